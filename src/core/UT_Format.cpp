@@ -92,8 +92,7 @@ UT_WString UT_Format(std::u16string_view format, const std::vector<UT_FormatArg>
             i = j + 1;
             continue;
         }
-        if (!position)
-            ++next;
+        next = index + 1;
         const UT_FormatArg& arg = args[index];
         if (const auto* wide = std::get_if<UT_WString>(&arg))
             out += Pad(*wide, leftAlign, width);

@@ -11,7 +11,7 @@
 using UT_FormatArg = std::variant<UT_WString, std::string, int64_t>;
 
 // printf-style formatting with positional arguments: "%1$S", "%2$d", or plain "%S", "%d",
-// "%s" taking the arguments in order. "%%" is a percent sign. A specifier without an
+// "%s" taking the argument after the previous one. "%%" is a percent sign. A specifier without an
 // argument is left as it stands.
 UT_WString UT_Format(std::u16string_view format, const std::vector<UT_FormatArg>& args);
 

@@ -1,0 +1,156 @@
+// The file container: header bytes of each kind and version, and every load failure message.
+
+#include "core/CPersistentType.h"
+#include "core/DB_Exception.h"
+#include "core/DB_FileContainer.h"
+#include "core/DB_MemFile.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Body : public CPersistentObjBase {
+public:
+    uint32_t value = 0;
+    void Read(DB_Archive& a) override { value = a.ReadU32(); }
+    void Write(DB_Archive& a) override { a.WriteU32(value); }
+};
+
+class ContainerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        CoreRegisterTypes();
+        CPersistentTypeRegistry::Instance().Register<Body>(9100, "TestBody");
+        dir_ = fs::temp_directory_path() / ("qms-container-" + std::to_string(::getpid()));
+        fs::create_directories(dir_);
+    }
+    void TearDown() override { fs::remove_all(dir_); }
+
+    fs::path File(const std::vector<uint8_t>& bytes) {
+        const fs::path path = dir_ / ("f" + std::to_string(n_++) + ".qmp");
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        return path;
+    }
+    static std::vector<uint8_t> Read(const fs::path& path) {
+        std::ifstream in(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    static std::vector<uint8_t> Header(const std::string& version, uint32_t kind, bool flag) {
+        std::vector<uint8_t> h;
+        for (char c : std::string("QuilmoorTechnologiesInc "))
+            h.push_back(static_cast<uint8_t>(c));
+        h.push_back(0);
+        for (char c : version)
+            h.push_back(static_cast<uint8_t>(c));
+        h.push_back(0);
+        for (int i = 0; i < 4; ++i)
+            h.push_back(static_cast<uint8_t>(kind >> (8 * i)));
+        if (flag)
+            h.push_back(0);
+        return h;
+    }
+    static UT_WString LoadError(const fs::path& path, uint32_t kind = 0) {
+        Body body;
+        try {
+            DB_FileContainer::LoadBare(UT_FilePath(path), body, kind);
+        } catch (const DB_Exception& e) {
+            return e.Message();
+        }
+        return u"(loaded)";
+    }
+
+    fs::path dir_;
+    int n_ = 0;
+};
+
+TEST_F(ContainerTest, SavedHeaderIsThirtyThreeBytesThenTheBody) {
+    Body body;
+    body.value = 0x04030201;
+    const fs::path path = dir_ / "bare.qmp";
+    DB_FileContainer::SaveBare(UT_FilePath(path), body, DB_FileContainer::kProject);
+    std::vector<uint8_t> expected = Header("51", 0, true);
+    ASSERT_EQ(expected.size(), 33u);
+    expected.insert(expected.end(), {1, 2, 3, 4});
+    EXPECT_EQ(Read(path), expected);
+
+    const fs::path typed = dir_ / "typed.qmd";
+    DB_FileContainer::SaveTyped(UT_FilePath(typed), body, DB_FileContainer::kVectorDrawing);
+    expected = Header("51", 1, true);
+    expected.insert(expected.end(), {0x8C, 0x23, 1, 2, 3, 4});
+    EXPECT_EQ(Read(typed), expected);
+
+    Body back;
+    DB_FileContainer::LoadTyped(UT_FilePath(typed), back, DB_FileContainer::kVectorDrawing);
+    EXPECT_EQ(back.value, body.value);
+    auto fresh = DB_FileContainer::LoadNew(UT_FilePath(typed), DB_FileContainer::kVectorDrawing);
+    EXPECT_EQ(dynamic_cast<Body&>(*fresh).value, body.value);
+}
+
+TEST_F(ContainerTest, OlderVersionsHaveNoFlagByte) {
+    for (const char* version : {"30", "31"}) {
+        std::vector<uint8_t> bytes = Header(version, 0, false);
+        bytes.insert(bytes.end(), {7, 0, 0, 0});
+        Body body;
+        DB_FileContainer::LoadBare(UT_FilePath(File(bytes)), body, 0);
+        EXPECT_EQ(body.value, 7u) << version;
+    }
+    std::vector<uint8_t> v40 = Header("40", 0, true);
+    v40.insert(v40.end(), {8, 0, 0, 0});
+    Body body;
+    DB_FileContainer::LoadBare(UT_FilePath(File(v40)), body, 0);
+    EXPECT_EQ(body.value, 8u);
+    // Leading digits count: "051" is version 51.
+    std::vector<uint8_t> padded = Header("051", 0, true);
+    padded.insert(padded.end(), {9, 0, 0, 0});
+    DB_FileContainer::LoadBare(UT_FilePath(File(padded)), body, 0);
+    EXPECT_EQ(body.value, 9u);
+}
+
+TEST_F(ContainerTest, LoadFailuresGiveTheSystemsMessages) {
+    const auto invalid = [](const fs::path& p) {
+        return UT_FromUtf8(p.string()) + u"  is not a valid Quilmoor Studio file.";
+    };
+
+    const fs::path missing = dir_ / "missing.qmp";
+    EXPECT_EQ(LoadError(missing), invalid(missing));
+
+    std::vector<uint8_t> wrongMagic = Header("51", 0, true);
+    wrongMagic[0] = 'q';
+    const fs::path p1 = File(wrongMagic);
+    EXPECT_EQ(LoadError(p1), invalid(p1));
+
+    const fs::path p2 = File(Header("51", 1, true));
+    EXPECT_EQ(LoadError(p2, 0), invalid(p2));
+
+    std::vector<uint8_t> truncated = Header("51", 0, true);
+    truncated.resize(20);
+    const fs::path p3 = File(truncated);
+    EXPECT_EQ(LoadError(p3), invalid(p3));
+
+    const fs::path p4 = File({});
+    EXPECT_EQ(LoadError(p4), invalid(p4));
+
+    for (const char* version : {"50", "52", "", "x51"}) {
+        const fs::path p = File(Header(version, 0, true));
+        EXPECT_EQ(LoadError(p), UT_FromUtf8(p.string()) + u" is not a supported version") << version;
+    }
+
+    const fs::path p5 = File(Header("51", 0, true));
+    EXPECT_EQ(LoadError(p5), u"Reading past end of file");
+
+    const fs::path folder = dir_ / "folder.qmp";
+    fs::create_directories(folder);
+    EXPECT_EQ(LoadError(folder), invalid(folder));
+}
+
+TEST_F(ContainerTest, WritingIntoAMissingFolderFails) {
+    Body body;
+    EXPECT_THROW(DB_FileContainer::SaveBare(UT_FilePath(dir_ / "no" / "such.qmp"), body, 0), DB_Exception);
+}
+
+} // namespace
