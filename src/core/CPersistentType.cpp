@@ -1,6 +1,7 @@
 #include "core/CPersistentType.h"
 
 #include "core/DB_MemFile.h"
+#include "core/PR_UserColorSettings.h"
 
 #include <stdexcept>
 
@@ -44,4 +45,5 @@ std::string CPersistentTypeRegistry::ShortName(uint16_t id) const {
 void CoreRegisterTypes() {
     CPersistentTypeRegistry& registry = CPersistentTypeRegistry::Instance();
     registry.Register<DB_MemFile>(600, "DB_MemFile");
+    registry.Register<PR_UserColorSettings>(400, "TL_UISettings");
 }
