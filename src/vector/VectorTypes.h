@@ -1,0 +1,4 @@
+#pragma once
+
+// Registers the persistent classes of the vector library (pens, drawings).
+void VectorRegisterTypes();
