@@ -1,0 +1,95 @@
+#pragma once
+
+#include "animationset/AS_CommonLevel.h"
+#include "animationset/AS_DopeSheetDrawingObj.h"
+#include "animationset/AS_DrawingObjCreator.h"
+#include "core/UT_FilePath.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <vector>
+
+class CM_PaletteList;
+
+// The shared half of a drawing or image element: the table of its drawings, which the
+// element's files back.
+class AS_CommonDrawingLevel : public AS_CommonLevel, public AS_DrawingObjCreator {
+public:
+    AS_CommonDrawingLevel() = default;
+    AS_CommonDrawingLevel(UT_WString name, uint32_t commonId) : AS_CommonLevel(std::move(name), commonId) {}
+
+    void Read(DB_Archive& archive) override;
+    void Write(DB_Archive& archive) override;
+    // Loads every drawing while its file still lies under the old name and marks it
+    // modified, then takes the new name. Files under the old name are kept.
+    void SetName(const UT_WString& name) override;
+    void ClearModified() override;
+    virtual UT_WString GetFileExtension() const = 0;
+    virtual UT_WString GetFolderName() const = 0;
+
+    // The creator's side.
+    std::unique_ptr<AS_DrawingData> CreateDrawing() const override;
+    bool FileExists(const UT_WString& baseName) const override;
+    bool LoadDrawing(AS_DrawingData& drawing, const UT_WString& baseName) const override;
+    bool SaveDrawing(const AS_DrawingData& drawing, const UT_WString& baseName) const override;
+    const UT_WString& GetElementName() const override { return name_; }
+    void RemoveFile(const UT_WString& baseName) const override;
+
+    AS_DopeSheetDrawingObj* FindDrawing(uint32_t id) const;
+    AS_DopeSheetDrawingObj* FindDrawingByName(const UT_WString& name) const;
+    // Takes the next drawing id and makes an entry without data.
+    uint32_t AddDrawing(const UT_WString& name);
+    AS_DopeSheetDrawingObj* AddDrawingWithId(uint32_t id, const UT_WString& name);
+    void RemoveDrawing(uint32_t id);
+    // The folder of the files: the scene folder and the element sort's subfolder; with a
+    // base name, the path of that drawing's file.
+    UT_FilePath GetDrawingPath() const;
+    UT_FilePath GetDrawingPath(const UT_WString& baseName) const;
+    std::vector<UT_WString> GetDrawingNames() const;
+    std::vector<uint32_t> GetDrawingIds() const;
+    size_t DrawingCount() const { return drawings_.size(); }
+    uint32_t NextDrawingId() const { return nextDrawingId_; }
+
+    void SetFolder(const UT_FilePath& folder) { folder_ = folder; }
+    const UT_FilePath& GetFolder() const { return folder_; }
+    void SetPaletteList(CM_PaletteList* palettes) { palettes_ = palettes; }
+    CM_PaletteList* GetPaletteList() const { return palettes_; }
+    // Drops every loaded drawing; no entry has a file afterwards.
+    void ReleaseDrawings();
+    // Drops the loaded drawings that have not changed since they were read or written.
+    void ReleaseUnmodified();
+    void RemoveDrawingFiles();
+
+protected:
+    // True when the bytes are a file of this element's sort.
+    virtual bool IsValidFile(const std::vector<uint8_t>& bytes) const = 0;
+
+private:
+    uint32_t nextDrawingId_ = 1001;
+    std::map<uint32_t, std::unique_ptr<AS_DopeSheetDrawingObj>> drawings_;
+    UT_FilePath folder_;
+    CM_PaletteList* palettes_ = nullptr;
+};
+
+// The shared half of a Drawing element: vector drawings in "qmd" files under "Drawing".
+class AS_CommonVectorDrawingLevel : public AS_CommonDrawingLevel {
+public:
+    using AS_CommonDrawingLevel::AS_CommonDrawingLevel;
+    UT_WString GetFileExtension() const override { return u"qmd"; }
+    UT_WString GetFolderName() const override { return u"Drawing"; }
+
+protected:
+    bool IsValidFile(const std::vector<uint8_t>& bytes) const override;
+};
+
+// The shared half of an Image element: "tga" files under "Bitmap".
+class AS_CommonBitmapDrawingLevel : public AS_CommonDrawingLevel {
+public:
+    using AS_CommonDrawingLevel::AS_CommonDrawingLevel;
+    UT_WString GetFileExtension() const override { return u"tga"; }
+    UT_WString GetFolderName() const override { return u"Bitmap"; }
+
+protected:
+    bool IsValidFile(const std::vector<uint8_t>& bytes) const override { return !bytes.empty(); }
+};
