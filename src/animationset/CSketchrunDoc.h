@@ -3,6 +3,7 @@
 #include "core/UT_FilePath.h"
 #include "core/UT_String.h"
 
+#include <filesystem>
 #include <memory>
 
 class CAnimationSetObj;
@@ -44,7 +45,11 @@ public:
     bool ConfirmConversion() const;
 
 private:
+    enum class CopyResult { kDone, kFailed, kCancelled };
+
     bool WriteProject();
+    // Copies every file and folder of the project folder into `newFolder`.
+    CopyResult CopyProjectFolder(const std::filesystem::path& newFolder);
 
     CSketchrunHost& host_;
     std::unique_ptr<CAnimationSetObj> set_;

@@ -3,15 +3,13 @@
 
 #include "FakeHosts.h"
 #include "RegisterAll.h"
-
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/CSketchrunDoc.h"
 #include "core/UT_FileOperations.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
+#include <gtest/gtest.h>
 #include <map>
 
 namespace fs = std::filesystem;
@@ -171,6 +169,29 @@ TEST_F(DocumentTest, SaveAsCopiesTheFolderAndRefusesItsOwnInside) {
     EXPECT_EQ(reopened.Set()->Sequence().size(), 1u);
 }
 
+TEST_F(DocumentTest, CancellingTheCopyOfSaveAsLeavesTheProjectAsItWas) {
+    auto document = MakeProjectWithPendingChanges();
+    ASSERT_TRUE(document->Save());
+    fs::create_directories(folder.Path() / "Reel" / "Sound");
+    std::ofstream(folder.Path() / "Reel" / "Sound" / "take.wav") << "RIFF";
+    const auto before = Snapshot(folder.Path() / "Reel");
+
+    host.cancelProgressAfter = 2;
+    messages.messages.clear();
+    EXPECT_FALSE(document->SaveAsTo(folder.Wide(), u"Copy"));
+    ASSERT_EQ(host.progressTitles.size(), 1u);
+    EXPECT_TRUE(messages.messages.empty()); // a cancel is no failure
+    EXPECT_FALSE(fs::exists(folder.Path() / "Copy"));
+    EXPECT_EQ(Snapshot(folder.Path() / "Reel"), before);
+    EXPECT_EQ(document->Set()->Name(), u"Reel");
+    EXPECT_EQ(document->ProjectFolder().Path(), folder.Path() / "Reel");
+
+    // Into a folder that was there already: the cancel leaves that folder alone.
+    fs::create_directories(folder.Path() / "Kept");
+    EXPECT_FALSE(document->SaveAsTo(folder.Wide(), u"Kept"));
+    EXPECT_TRUE(fs::is_directory(folder.Path() / "Kept"));
+}
+
 TEST_F(DocumentTest, OpenTakesTheNameFromTheFileAndRejectsDamage) {
     auto document = MakeProjectWithPendingChanges();
     ASSERT_TRUE(document->Save());
@@ -193,8 +214,8 @@ TEST_F(DocumentTest, OpenTakesTheNameFromTheFileAndRejectsDamage) {
     messages.messages.clear();
     EXPECT_FALSE(wrongKind.OpenPath(UT_FilePath(folder.Path() / "Reel" / "Kind.qmp")));
     ASSERT_EQ(messages.messages.size(), 1u);
-    EXPECT_EQ(messages.messages[0].text,
-              UT_FromUtf8((folder.Path() / "Reel" / "Kind.qmp").string()) + u"  is not a valid Quilmoor Studio file.");
+    EXPECT_EQ(messages.messages[0].text, UT_FromUtf8((folder.Path() / "Reel" / "Kind.qmp").string()) +
+                                             u"  is not a valid Quilmoor Studio file.");
 }
 
 } // namespace
