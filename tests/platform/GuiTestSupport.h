@@ -33,8 +33,10 @@ class ModalScript {
 public:
     using Step = std::function<void(QWidget* modal)>;
 
-    ModalScript() {
-        timer_.setInterval(10);
+    // A zero interval answers at every turn of the event loop, for windows that only
+    // live between two calls of a long operation.
+    explicit ModalScript(int intervalMs = 10) {
+        timer_.setInterval(intervalMs);
         QObject::connect(&timer_, &QTimer::timeout, [this] { Tick(); });
         timer_.start();
     }

@@ -12,6 +12,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPushButton>
 #include <QUrl>
 #include <fstream>
 #include <map>
@@ -201,6 +202,33 @@ TEST_F(MainFrameTest, SaveAsCopiesAndRenames) {
     EXPECT_FALSE(Frame().isWindowModified());
     ASSERT_FALSE(app->RecentFiles().empty());
     EXPECT_EQ(app->RecentFiles().front().Path(), folder.Path() / "Copy" / "Copy.qmp");
+}
+
+TEST_F(MainFrameTest, CancellingTheProgressOfSaveAsKeepsTheProject) {
+    Start();
+    NewProject("Reel");
+    ASSERT_TRUE(Run(kCmdFileSave));
+    fs::create_directories(folder.Path() / "Reel" / "Sound");
+    for (int i = 0; i < 20; ++i)
+        std::ofstream(folder.Path() / "Reel" / "Sound" / ("take" + std::to_string(i) + ".wav")) << "RIFF";
+
+    ModalScript script(0);
+    script.Then(FillNameDialog(QStringLiteral("Save As"), QStringLiteral("Copy"), folder.Path()));
+    script.Then([](QWidget* modal) {
+        // The copy shows its progress in a window of its own.
+        auto* progress = dynamic_cast<QDialog*>(modal);
+        ASSERT_NE(progress, nullptr);
+        EXPECT_TRUE(progress->windowTitle().startsWith("Save As")) << progress->windowTitle().toStdString();
+        auto* cancel = progress->findChild<QPushButton*>();
+        ASSERT_NE(cancel, nullptr);
+        EXPECT_EQ(cancel->text(), " Cancel ");
+        ModalScript::Click(cancel);
+    });
+    EXPECT_FALSE(RunScripted(Frame(), kCmdFileSaveAs, script));
+    EXPECT_FALSE(fs::exists(folder.Path() / "Copy"));
+    EXPECT_EQ(Document()->Set()->Name(), u"Reel");
+    EXPECT_EQ(Frame().windowTitle(), "Reel[*] - Quilmoor Studio");
+    EXPECT_TRUE(messages.messages.empty());
 }
 
 TEST_F(MainFrameTest, CloseAndExitNeverLoseWork) {
