@@ -4,6 +4,7 @@
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/CNewAnimationDlg.h"
 #include "animationset/CSketchrunHost.h"
+#include "animationset/SPO_SettingsMgr.h"
 #include "core/DB_Exception.h"
 #include "core/DB_FileContainer.h"
 #include "core/UT_ErrorCollector.h"
@@ -35,8 +36,9 @@ bool RecoverInterruptedSave(const UT_FilePath& path) {
             continue;
         const int answer = UT_MessageHandler::Ask(
             UT_MessageHandler::kYesNo,
-            UT_Fmt(u"%1$S is missing, but %2$S was left by an interrupted save.\nRecover the project from it?",
-                   path.Wide(), sibling.Wide()),
+            UT_Fmt(
+                u"%1$S is missing, but %2$S was left by an interrupted save.\nRecover the project from it?",
+                path.Wide(), sibling.Wide()),
             UT_MessageHandler::kNo);
         if (answer != UT_MessageHandler::kYes)
             return false;
@@ -58,8 +60,14 @@ CSketchrunDoc::~CSketchrunDoc() {
         CAnimationSetObj::SetCurrent(nullptr);
 }
 
+void CSketchrunDoc::MakeSettings() {
+    settings_ = std::make_unique<SPO_SettingsMgr>(set_.get());
+    set_->SetSettingsManager(settings_.get());
+}
+
 void CSketchrunDoc::Attach(std::unique_ptr<CAnimationSetObj> set, const UT_FilePath& folder) {
     set_ = std::move(set);
+    MakeSettings();
     folder_ = folder;
     set_->SetProjectFolder(folder_);
     CAnimationSetObj::SetCurrent(set_.get());
@@ -69,7 +77,9 @@ UT_FilePath CSketchrunDoc::ProjectFile() const {
     return folder_.Append(set_ ? set_->Name() + u".qmp" : UT_WString(u".qmp"));
 }
 
-bool CSketchrunDoc::IsModified() const { return set_ && set_->IsDirty(); }
+bool CSketchrunDoc::IsModified() const {
+    return set_ && set_->IsDirty();
+}
 
 bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
     std::error_code ec;
@@ -78,6 +88,7 @@ bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
 
     set_ = std::make_unique<CAnimationSetObj>();
     CAnimationSetObj::SetCurrent(set_.get());
+    MakeSettings();
     folder_ = path.Folder();
     set_->SetProjectFolder(folder_);
     set_->SetName(path.BaseName());
@@ -87,7 +98,8 @@ bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
     if (!path.IsFile() && !RecoverInterruptedSave(path)) {
         UT_MessageHandler::Post(
             UT_MessageHandler::kError,
-            UT_Fmt(u"%S could not be found.\nThis file may have been moved, renamed or deleted.", path.Wide()));
+            UT_Fmt(u"%S could not be found.\nThis file may have been moved, renamed or deleted.",
+                   path.Wide()));
         return false;
     }
     try {
@@ -107,11 +119,12 @@ bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
 bool CSketchrunDoc::ConfirmConversion() const {
     if (set_->Version() >= CAnimationSetObj::kCurrentVersion)
         return true;
-    const int answer = UT_MessageHandler::Ask(
-        UT_MessageHandler::kYesNo,
-        u"Saving the animation will convert it to Quilmoor Studio V2.0 format.\nOnce converted, you will not be "
-        u"able to open this animation in V1.0.\nDo you want to continue?",
-        UT_MessageHandler::kYes);
+    const int answer =
+        UT_MessageHandler::Ask(UT_MessageHandler::kYesNo,
+                               u"Saving the animation will convert it to Quilmoor Studio V2.0 format.\nOnce "
+                               u"converted, you will not be "
+                               u"able to open this animation in V1.0.\nDo you want to continue?",
+                               UT_MessageHandler::kYes);
     return answer == UT_MessageHandler::kYes;
 }
 
@@ -174,7 +187,8 @@ bool CSketchrunDoc::SaveAsTo(const UT_WString& location, const UT_WString& name)
         return false;
     };
     // Copying a folder into itself would never end, and would mix two projects.
-    const auto [oldEnd, newIt] = std::mismatch(oldFolder.begin(), oldFolder.end(), newFolder.begin(), newFolder.end());
+    const auto [oldEnd, newIt] =
+        std::mismatch(oldFolder.begin(), oldFolder.end(), newFolder.begin(), newFolder.end());
     if (!oldFolder.empty() && oldEnd == oldFolder.end())
         return refuse();
 
@@ -213,8 +227,9 @@ bool CSketchrunDoc::SaveAs() {
 bool CSketchrunDoc::SaveModified() {
     if (!IsModified())
         return true;
-    const int answer = UT_MessageHandler::Ask(UT_MessageHandler::kYesNoCancel,
-                                              UT_Fmt(u"Save changes to %1$S?", set_->Name()), UT_MessageHandler::kNo);
+    const int answer =
+        UT_MessageHandler::Ask(UT_MessageHandler::kYesNoCancel,
+                               UT_Fmt(u"Save changes to %1$S?", set_->Name()), UT_MessageHandler::kNo);
     if (answer == UT_MessageHandler::kCancel)
         return false;
     if (answer == UT_MessageHandler::kYes)
