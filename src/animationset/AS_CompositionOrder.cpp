@@ -341,6 +341,14 @@ void AS_CompositionOrder::SetShownWithChildren(int row, bool shown) {
     rangeDirty_ = true;
 }
 
+void AS_CompositionOrder::SetShown(int row, bool shown) {
+    if (!InRange(row))
+        return;
+    rows_[static_cast<size_t>(row)].shown = shown;
+    RebuildShown();
+    rangeDirty_ = true;
+}
+
 bool AS_CompositionOrder::IsShown(int row) const {
     return InRange(row) && rows_[static_cast<size_t>(row)].shown;
 }

@@ -117,6 +117,8 @@ public:
     // One past the last row of the subtree of `row`.
     int SubtreeEnd(int row) const;
     void SetShownWithChildren(int row, bool shown);
+    // The row alone; its children keep their flags.
+    void SetShown(int row, bool shown);
     bool IsShown(int row) const;
     bool IsShownByShownIndex(int shownIndex) const;
     bool IsCollapsed(int row) const;
@@ -135,6 +137,8 @@ public:
     int32_t GetLastFrame() const;
     int NextChild(ChildScannerBase& scanner) const;
     void SetRangeDirty() { rangeDirty_ = true; }
+    // The frame range must be computed again before it is used.
+    bool IsRangeDirty() const { return rangeDirty_; }
 
 protected:
     bool InRange(int row) const { return row >= 0 && row < GetRowCount(); }

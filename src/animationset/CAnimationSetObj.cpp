@@ -1,12 +1,15 @@
 #include "animationset/CAnimationSetObj.h"
 
+#include "animationset/AS_DopeSheetNotifProxy.h"
 #include "animationset/CDopeSheetObj.h"
+#include "animationset/SPO_SettingsMgr.h"
 #include "colour/CM_PaletteList.h"
 #include "core/DB_Archive.h"
 #include "core/DB_Exception.h"
 #include "core/PR_UserColorSettings.h"
 #include "core/UT_CommandHistory.h"
 #include "core/UT_FileTransaction.h"
+#include "core/UT_Format.h"
 #include "core/UT_NameRules.h"
 #include "vector/CPenStyleList.h"
 
@@ -18,22 +21,30 @@ CAnimationSetObj* g_current = nullptr;
 
 CAnimationSetObj::CAnimationSetObj()
     : paletteList_(std::make_unique<CM_PaletteList>()), penList_(CPenStyleList::MakeDefault()),
-      userColors_(std::make_unique<PR_UserColorSettings>()), history_(std::make_unique<UT_CommandHistory>()) {
+      userColors_(std::make_unique<PR_UserColorSettings>()), history_(std::make_unique<UT_CommandHistory>()),
+      proxy_(std::make_unique<AS_DopeSheetNotifProxy>(*this)) {
     paletteList_->AddDefaultPalette();
     paletteList_->MarkClean();
+    userColors_->SetOwner(&colourOwner_);
 }
 
 CAnimationSetObj::~CAnimationSetObj() {
     if (g_current == this)
         g_current = nullptr;
+    // Observers learn that the set goes while all of it is still there.
+    proxy_.reset();
     // Scenes hold a pointer to the palette list: let them go first.
     sequence_.clear();
     currentScene_ = nullptr;
     scenes_.clear();
 }
 
-CAnimationSetObj* CAnimationSetObj::Current() { return g_current; }
-void CAnimationSetObj::SetCurrent(CAnimationSetObj* set) { g_current = set; }
+CAnimationSetObj* CAnimationSetObj::Current() {
+    return g_current;
+}
+void CAnimationSetObj::SetCurrent(CAnimationSetObj* set) {
+    g_current = set;
+}
 
 void CAnimationSetObj::InitialiseNew(uint32_t frameRate, uint32_t cameraWidth, uint32_t cameraHeight) {
     frameRate_ = frameRate;
@@ -68,7 +79,9 @@ void CAnimationSetObj::MarkSaved() {
         entry.scene->MarkSaved();
 }
 
-void CAnimationSetObj::MarkLibrarySaved() { history_->MarkLibrarySaved(); }
+void CAnimationSetObj::MarkLibrarySaved() {
+    history_->MarkLibrarySaved();
+}
 
 CDopeSheetObj* CAnimationSetObj::FindScene(uint32_t id) const {
     auto it = scenes_.find(id);
@@ -133,10 +146,38 @@ void CAnimationSetObj::MoveScene(size_t from, size_t to) {
 }
 
 bool CAnimationSetObj::IsSceneNameFree(const UT_WString& name) const {
-    if (!UT_IsValidName(name))
-        return false;
-    return std::none_of(sequence_.begin(), sequence_.end(),
-                        [&](const CDopeSheetObj* scene) { return scene->Name() == name; });
+    return CheckSceneName(name).empty();
+}
+
+UT_WString CAnimationSetObj::CheckSceneName(const UT_WString& name, uint32_t self) const {
+    switch (UT_CheckName(name)) {
+    case UT_NameProblem::kEmpty:
+        return u"The name of the scene cannot be empty.";
+    case UT_NameProblem::kTooLong:
+    case UT_NameProblem::kForbiddenCharacter:
+        return u"This name contains invalid characters; please choose a different one.";
+    case UT_NameProblem::kNone:
+        break;
+    }
+    const bool taken = std::any_of(sequence_.begin(), sequence_.end(), [&](const CDopeSheetObj* scene) {
+        return scene->SceneId() != self && scene->Name() == name;
+    });
+    if (taken)
+        return u"This name is already used by another scene; please choose a different one.";
+    return {};
+}
+
+UT_WString CAnimationSetObj::NewSceneName() const {
+    for (int64_t number = 2;; ++number) {
+        UT_WString name = UT_Fmt(u"Scene-%d", UT_Num(number));
+        if (IsSceneNameFree(name))
+            return name;
+    }
+}
+
+bool CAnimationSetObj::ColourOwner::ElementExists(const PR_ElementRef& element) const {
+    const CDopeSheetObj* scene = set_.FindScene(element.scene);
+    return scene && scene->FindElement(element.element) && !scene->IsRemoved(element.element);
 }
 
 int CAnimationSetObj::SequenceIndex(uint32_t sceneId) const {
@@ -152,6 +193,8 @@ void CAnimationSetObj::SetCurrentScene(CDopeSheetObj* scene, bool real) {
     currentSceneReal_ = real;
     if (scene)
         scene->EnsureDefaultCamera(cameraWidth_, cameraHeight_);
+    if (settings_)
+        settings_->CurrentSceneChanged();
 }
 
 void CAnimationSetObj::SetCurrentSceneById(uint32_t id) {

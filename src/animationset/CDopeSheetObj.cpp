@@ -62,9 +62,10 @@ void CDopeSheetObj::InitialiseDefaultElements(uint32_t cameraWidth, uint32_t cam
     AddElement(AS_VectorGraphicLevelObj::Create(drawingId, u"Drawing"));
 }
 
-void CDopeSheetObj::EnsureDefaultCamera(uint32_t width, uint32_t height) {
+void CDopeSheetObj::EnsureDefaultCamera(uint32_t width, uint32_t height, uint32_t id) {
     if (!defaultCamera_) {
-        const uint32_t id = NewElementId();
+        if (id == AS_kInvalidId)
+            id = NewElementId();
         defaultCamera_ = AS_CameraLevelObj::Create(id, u"<Default>", 10, width, height);
         defaultCamera_->SetFolder(SceneFolder());
     }

@@ -41,9 +41,9 @@ public:
     // element, a drawing element "Drawing".
     void InitialiseDefaultElements(uint32_t cameraWidth, uint32_t cameraHeight);
     void SetCameraSize(uint32_t width, uint32_t height);
-    // Makes the camera "<Default>" when the scene has none; it is current while no
-    // camera element is.
-    void EnsureDefaultCamera(uint32_t width, uint32_t height);
+    // Makes the camera "<Default>" when the scene has none, with a new element id, or with
+    // `id` when a scene comes back from a snapshot; it is current while no camera element is.
+    void EnsureDefaultCamera(uint32_t width, uint32_t height, uint32_t id = AS_kInvalidId);
 
     void SetPaletteList(CM_PaletteList* palettes);
     CM_PaletteList* PaletteList() const { return palettes_; }

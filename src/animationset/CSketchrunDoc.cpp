@@ -4,6 +4,7 @@
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/CNewAnimationDlg.h"
 #include "animationset/CSketchrunHost.h"
+#include "animationset/SPO_SettingsMgr.h"
 #include "core/DB_Exception.h"
 #include "core/DB_FileContainer.h"
 #include "core/UT_ErrorCollector.h"
@@ -61,8 +62,14 @@ CSketchrunDoc::~CSketchrunDoc() {
         CAnimationSetObj::SetCurrent(nullptr);
 }
 
+void CSketchrunDoc::MakeSettings() {
+    settings_ = std::make_unique<SPO_SettingsMgr>(set_.get());
+    set_->SetSettingsManager(settings_.get());
+}
+
 void CSketchrunDoc::Attach(std::unique_ptr<CAnimationSetObj> set, const UT_FilePath& folder) {
     set_ = std::move(set);
+    MakeSettings();
     folder_ = folder;
     set_->SetProjectFolder(folder_);
     CAnimationSetObj::SetCurrent(set_.get());
@@ -83,6 +90,7 @@ bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
 
     set_ = std::make_unique<CAnimationSetObj>();
     CAnimationSetObj::SetCurrent(set_.get());
+    MakeSettings();
     folder_ = path.Folder();
     set_->SetProjectFolder(folder_);
     set_->SetName(path.BaseName());

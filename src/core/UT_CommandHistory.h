@@ -38,6 +38,11 @@ public:
     // Drops the open group without executing anything.
     void AbortGroup();
     bool IsGroupOpen() const { return group_ != nullptr; }
+    // Takes the open group out, leaving none open; null when none was open. With SetGroup
+    // this lets a caller nest a group of its own inside another and put the outer back.
+    std::unique_ptr<UT_ComplexCommand> TakeGroup() { return std::move(group_); }
+    // Makes `group` the open group (null: none), dropping any group that was open.
+    void SetGroup(std::unique_ptr<UT_ComplexCommand> group) { group_ = std::move(group); }
 
     void Undo();
     void Redo();

@@ -422,9 +422,17 @@ TEST_F(UserColorTest, WriteIsExactPrunesAndRoundTrips) {
     colors.SetColor(PR_UserColorSettings::kElementColors, {9, 9}, {1, 1, 1, 1});
     colors.SetColor(PR_UserColorSettings::kBackgroundColors, {1, 2}, {4, 5, 6, 100});
     colors.SetFlag(PR_UserColorSettings::kShowNotes, false);
+    // A snapshot in memory neither prunes nor counts as saved.
+    {
+        DB_MemFile snapshot;
+        DB_Archive out(&snapshot, true);
+        ASSERT_TRUE(out.WriteTyped(colors));
+    }
+    EXPECT_TRUE(colors.IsModified());
+    EXPECT_EQ(colors.Count(PR_UserColorSettings::kElementColors), 2u);
     DB_MemFile file;
     {
-        DB_Archive out(&file, true);
+        DB_Archive out(&file, false);
         ASSERT_TRUE(out.WriteTyped(colors));
     }
     EXPECT_FALSE(colors.IsModified());
@@ -443,7 +451,7 @@ TEST_F(UserColorTest, WriteIsExactPrunesAndRoundTrips) {
     EXPECT_EQ(CPersistentTypeRegistry::Instance().ShortName(400), "TL_UISettings");
 
     file.Rewind();
-    DB_Archive in(&file, true);
+    DB_Archive in(&file, false);
     std::unique_ptr<PR_UserColorSettings> copy = in.ReadNewAs<PR_UserColorSettings>();
     EXPECT_EQ(copy->Entries(PR_UserColorSettings::kElementColors),
               colors.Entries(PR_UserColorSettings::kElementColors));
