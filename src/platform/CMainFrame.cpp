@@ -1,7 +1,9 @@
 #include "platform/CMainFrame.h"
 
+#include "animationset/AS_DopeSheetNotifProxy.h"
 #include "animationset/CAnimationSetObj.h"
 #include "platform/GUT_Commands.h"
+#include "platform/GUT_SceneListWnd.h"
 #include "platform/GUT_SceneOverview.h"
 #include "platform/GUT_StringTable.h"
 #include "platform/detail/GUT_Qt.h"
@@ -10,6 +12,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
+#include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
@@ -18,6 +21,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QUrl>
 #include <array>
 
@@ -49,8 +53,9 @@ const std::vector<MenuDefinition>& DocumentMenu() {
          {kCmdFileNew, kCmdFileOpen, kCmdFileClose, kSeparator, kCmdFileSave, kCmdFileSaveAs,
           kCmdFileSaveGlobalLibrary, kSeparator, kCmdFileProperties, kSeparator, kRecentFiles, kSeparator,
           kCmdAppExit}},
-        {"&Edit", {kCmdEditPreferences}},
-        {"&View", {kCmdDrawingMode, kCmdSceneplanningMode}},
+        {"&Edit", {kCmdEditUndo, kCmdEditRedo, kSeparator, kCmdEditPreferences}},
+        {"&View", {kCmdDrawingMode, kCmdSceneplanningMode, kSeparator, kCmdViewSceneList}},
+        {"&Scene", {kCmdSceneAdd, kCmdSceneDelete, kCmdSceneRename, kCmdSceneToggleVisibility}},
         {"&Help", {kCmdHelpAbout}},
     };
     return menu;
@@ -88,12 +93,24 @@ CMainFrame::CMainFrame(GUT_AcceleratorTable& accelerators) : accelerators_(accel
     stack_->addWidget(overview_);
     setCentralWidget(stack_);
 
+    sceneList_ = new GUT_SceneListWnd;
+    sceneDock_ = new QDockWidget(gut::Tr("Scenes"), this);
+    sceneDock_->setObjectName(QStringLiteral("SceneListDock"));
+    sceneDock_->setWidget(sceneList_);
+    addDockWidget(Qt::LeftDockWidgetArea, sceneDock_);
+    sceneDock_->hide();
+    connect(sceneDock_, &QDockWidget::visibilityChanged, this, &CMainFrame::UpdateCommands);
+
     MakeActions();
     ShowMenu(kMenuNoDocument);
     UpdateTitle();
 }
 
-CMainFrame::~CMainFrame() = default;
+CMainFrame::~CMainFrame() {
+    if (set_)
+        set_->NotifProxy().Detach(this);
+    sceneList_->SetSet(nullptr);
+}
 
 void CMainFrame::MakeActions() {
     for (const GUT_CommandInfo& command : GUT_AllCommands()) {
@@ -259,6 +276,11 @@ void CMainFrame::ApplyAccelerators() {
     UpdateCommands();
 }
 
+UT_WString CMainFrame::ShortcutText(uint32_t id) const {
+    const QAction* action = Action(id);
+    return action ? gut::FromQt(action->shortcut().toString(QKeySequence::NativeText)) : UT_WString();
+}
+
 void CMainFrame::SetSceneplanningMode(bool on) {
     sceneplanning_ = on;
     if (set_)
@@ -268,16 +290,27 @@ void CMainFrame::SetSceneplanningMode(bool on) {
 }
 
 void CMainFrame::AttachViews(CAnimationSetObj* set) {
+    if (set_)
+        set_->NotifProxy().Detach(this);
     set_ = set;
     set_->SetSceneplanningMode(sceneplanning_);
+    set_->NotifProxy().Attach(this);
     overview_->SetSet(set);
     overview_->SetSceneplanningMode(sceneplanning_);
     stack_->setCurrentWidget(overview_);
-    UpdateCommands();
+    sceneList_->SetSet(set);
+    sceneDock_->show();
+    // The scene list is the view that takes the scene commands.
+    SetActiveView(sceneList_);
 }
 
 void CMainFrame::DetachViews() {
+    if (set_)
+        set_->NotifProxy().Detach(this);
     set_ = nullptr;
+    SetActiveView(nullptr);
+    sceneList_->SetSet(nullptr);
+    sceneDock_->hide();
     overview_->SetSet(nullptr);
     stack_->setCurrentWidget(startPage_);
     documentName_.clear();
@@ -291,6 +324,11 @@ void CMainFrame::RefreshViews() {
 
 bool CMainFrame::UpdateCommand(uint32_t id, State& state) {
     switch (id) {
+    case kCmdViewSceneList:
+        state.enabled = set_ != nullptr;
+        state.checkable = true;
+        state.checked = !sceneDock_->isHidden();
+        return true;
     case kCmdDrawingMode:
     case kCmdSceneplanningMode:
         state.enabled = set_ != nullptr;
@@ -310,9 +348,37 @@ bool CMainFrame::OnCommand(uint32_t id) {
     case kCmdSceneplanningMode:
         SetSceneplanningMode(true);
         return true;
+    case kCmdViewSceneList:
+        sceneDock_->setVisible(sceneDock_->isHidden());
+        return true;
     default:
         return false;
     }
+}
+
+void CMainFrame::DopeSheetChanged(const void*, const AS_DopeSheetUpdateData&) {
+    overview_->update();
+    // A command tells of its change before the history records it: the menus follow
+    // once the change is complete.
+    if (!updatePending_) {
+        updatePending_ = true;
+        QTimer::singleShot(0, this, [this] {
+            updatePending_ = false;
+            UpdateCommands();
+        });
+    }
+}
+
+void CMainFrame::DopeSheetObservableGone(const void*) {
+    set_ = nullptr;
+    overview_->SetSet(nullptr);
+}
+
+void CMainFrame::OnModeCommand(CAnimationSetObj& set, uint32_t commandId) {
+    if (&set == set_)
+        SetSceneplanningMode(commandId == DC_Command::kSceneplanningModeCommand);
+    else
+        set.SetSceneplanningMode(commandId == DC_Command::kSceneplanningModeCommand);
 }
 
 std::string CMainFrame::SavedPlacement() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "animationset/AS_DopeSheetObservable.h"
+#include "animationset/DC_Command.h"
 #include "core/UT_FilePath.h"
 #include "platform/GUT_AcceleratorTable.h"
 #include "platform/GUT_CommandTarget.h"
@@ -12,16 +14,22 @@
 #include <vector>
 
 class CAnimationSetObj;
+class GUT_SceneListWnd;
 class GUT_SceneOverview;
 class QAction;
+class QDockWidget;
 class QMenu;
 class QStackedWidget;
 
 // The main window: the menu bar of the state (no document or a document), the commands
 // with their shortcuts, the mode, the title, the views of the open document, and the
 // project files dropped on it. Commands go to the active view, the document, the window
-// itself and the application, in this order.
-class CMainFrame : public QMainWindow, public GUT_CommandTarget {
+// itself and the application, in this order. The window follows the changes of the
+// open set, and switches the mode when an undo or redo goes back to the other one.
+class CMainFrame : public QMainWindow,
+                   public GUT_CommandTarget,
+                   public AS_DopeSheetObserverInterface,
+                   public DC_ModeCommandTarget {
 public:
     enum MenuId { kMenuNoDocument = 130, kMenuDocument = 133 };
 
@@ -40,6 +48,8 @@ public:
     void UpdateCommands();
     // The action of a command, or nullptr for one that no menu shows.
     QAction* Action(uint32_t id) const;
+    // The shortcut of a command as the menus show it ("Ctrl+Z"), or empty.
+    UT_WString ShortcutText(uint32_t id) const;
 
     void ShowMenu(MenuId menu);
     MenuId CurrentMenu() const { return menu_; }
@@ -64,6 +74,8 @@ public:
     // Redraws the views after a change of the set or of the preferences.
     void RefreshViews();
     GUT_SceneOverview* Overview() const { return overview_; }
+    GUT_SceneListWnd* SceneList() const { return sceneList_; }
+    QDockWidget* SceneListDock() const { return sceneDock_; }
 
     // The window's size and place as text for the settings, and back.
     std::string SavedPlacement() const;
@@ -81,6 +93,9 @@ public:
 
     bool UpdateCommand(uint32_t id, State& state) override;
     bool OnCommand(uint32_t id) override;
+    void DopeSheetChanged(const void* sender, const AS_DopeSheetUpdateData& data) override;
+    void DopeSheetObservableGone(const void* observable) override;
+    void OnModeCommand(CAnimationSetObj& set, uint32_t commandId) override;
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -105,8 +120,11 @@ private:
     QStackedWidget* stack_ = nullptr;
     QWidget* startPage_ = nullptr;
     GUT_SceneOverview* overview_ = nullptr;
+    GUT_SceneListWnd* sceneList_ = nullptr;
+    QDockWidget* sceneDock_ = nullptr;
     CAnimationSetObj* set_ = nullptr;
     UT_WString documentName_;
     bool sceneplanning_ = false;
     int waitDepth_ = 0;
+    bool updatePending_ = false;
 };

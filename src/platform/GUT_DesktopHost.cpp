@@ -3,13 +3,16 @@
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CNewAnimationDlg.h"
 #include "animationset/CSketchrunDoc.h"
+#include "animationset/DC_ChangeASPropertiesCommand.h"
 #include "core/PR_Preferences.h"
+#include "core/UT_CommandHistory.h"
 #include "core/UT_Format.h"
 #include "platform/CMainFrame.h"
 #include "platform/GUT_Commands.h"
 #include "platform/GUT_MessageHandler.h"
 #include "platform/GUT_NewAnimationWnd.h"
 #include "platform/GUT_ProgressWnd.h"
+#include "platform/GUT_PropertiesWnd.h"
 #include "platform/GUT_StringTable.h"
 #include "platform/PR_PreferenceUI.h"
 #include "platform/detail/GUT_Qt.h"
@@ -41,6 +44,13 @@ public:
             // Only while the template library is open, which this program does not show yet.
             state.enabled = false;
             return true;
+        case kCmdFileProperties:
+            state.enabled = document != nullptr;
+            return true;
+        case kCmdEditUndo:
+        case kCmdEditRedo:
+            UpdateHistoryCommand(id, state);
+            return true;
         default:
             return false;
         }
@@ -55,12 +65,44 @@ public:
             return app.OnFileSave();
         case kCmdFileSaveAs:
             return app.OnFileSaveAs();
+        case kCmdFileProperties:
+            return ChangeProperties();
+        case kCmdEditUndo:
+            Document()->Set()->History().Undo();
+            return true;
+        case kCmdEditRedo:
+            Document()->Set()->History().Redo();
+            return true;
         default:
             return false;
         }
     }
 
 private:
+    // "&Undo <name>\t<shortcut>" while there is something to undo, else "&Undo\t<shortcut>".
+    void UpdateHistoryCommand(uint32_t id, State& state) const {
+        const UT_CommandHistory* history = Document() ? &Document()->Set()->History() : nullptr;
+        const bool undo = id == kCmdEditUndo;
+        const UT_WString shortcut = host_.frame_->ShortcutText(id);
+        state.enabled = history && (undo ? history->CanUndo() : history->CanRedo());
+        if (state.enabled)
+            state.text = undo ? history->UndoMenuText(shortcut) : history->RedoMenuText(shortcut);
+        else
+            state.text = (undo ? UT_WString(u"&Undo") : UT_WString(u"&Redo")) + u"\t" + shortcut;
+    }
+
+    // The Animation Properties sheet; a change runs through the history.
+    bool ChangeProperties() {
+        CAnimationSetObj& set = *Document()->Set();
+        const GUT_PropertiesWnd::Values old{set.FrameRate(), set.CameraWidth(), set.CameraHeight()};
+        GUT_PropertiesWnd window(host_.frame_.get(), old);
+        if (window.exec() != QDialog::Accepted || window.Result() == old)
+            return false;
+        const GUT_PropertiesWnd::Values& values = window.Result();
+        DC_ChangeASPropertiesCommand command(set, values.frameRate, values.cameraWidth, values.cameraHeight);
+        return command.Run(DC_ChangeASPropertiesCommand::kName);
+    }
+
     CSketchrunDoc* Document() const { return host_.app_ ? host_.app_->Document() : nullptr; }
 
     GUT_DesktopHost& host_;
@@ -130,7 +172,10 @@ GUT_DesktopHost::GUT_DesktopHost()
     accelerators_.Load(preferences.Store());
 }
 
-GUT_DesktopHost::~GUT_DesktopHost() = default;
+GUT_DesktopHost::~GUT_DesktopHost() {
+    if (frame_ && DC_Command::ModeCommandTarget() == frame_.get())
+        DC_Command::SetModeCommandTarget(nullptr);
+}
 
 void GUT_DesktopHost::WriteSetting(const char* section, const std::string& key, const std::string& value) {
     UT_SettingsStore& store = PR_Preferences::Instance().Store();
@@ -227,6 +272,8 @@ bool GUT_DesktopHost::CreateMainFrame() {
     frame_->onClose = [this] { return OnClose(); };
     frame_->onDropFile = [this](const UT_FilePath& path) { OnDropFile(path); };
     frame_->isModified = [this] { return app_ && app_->Document() && app_->Document()->IsModified(); };
+    // An undo or redo made in the other mode switches the window back to it.
+    DC_Command::SetModeCommandTarget(frame_.get());
     if (app_)
         frame_->SetRecentFiles(app_->RecentFiles());
     // Message boxes from now on sit over the main window.

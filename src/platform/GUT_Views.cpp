@@ -1,15 +1,31 @@
 // The views of an open document.
 
 #include "animationset/AS_CompositionOrder.h"
+#include "animationset/AS_DopeSheetNotifProxy.h"
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CDopeSheetObj.h"
+#include "animationset/DC_AddSceneCommand.h"
+#include "animationset/DC_ChangeSceneProperties.h"
+#include "animationset/DC_DeleteSceneCommand.h"
+#include "animationset/DC_ReorderScene.h"
+#include "animationset/DC_ToggleSceneVisibility.h"
 #include "core/PR_Preferences.h"
 #include "core/PR_UserColorSettings.h"
+#include "core/UT_MessageHandler.h"
+#include "platform/GUT_Commands.h"
+#include "platform/GUT_SceneListWnd.h"
 #include "platform/GUT_SceneOverview.h"
 #include "platform/detail/GUT_Qt.h"
 
+#include <QAbstractListModel>
+#include <QDockWidget>
+#include <QHBoxLayout>
+#include <QListView>
+#include <QMimeData>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QToolButton>
+#include <QVBoxLayout>
 #include <algorithm>
 
 namespace {
@@ -179,5 +195,298 @@ void GUT_SceneOverview::paintEvent(QPaintEvent*) {
                          colour.lighter(130));
         painter.setPen(colour.darker(150));
         painter.drawRect(QRect(left, track.top(), std::max(2, right - left), track.height()));
+    }
+}
+
+// ---- the scene list
+
+namespace {
+
+constexpr const char* kSceneRowMime = "application/x-quilmoor-scene-row";
+
+} // namespace
+
+// The sequence of the set as rows. Edits, check boxes and moves go to the window's
+// operations, which run commands; the rows change when the notifications come back.
+class GUT_SceneListWnd::RowModel : public QAbstractListModel {
+public:
+    explicit RowModel(GUT_SceneListWnd& window) : window_(window) {}
+
+    void Reset() {
+        beginResetModel();
+        endResetModel();
+    }
+
+    CDopeSheetObj* SceneAt(int row) const {
+        const CAnimationSetObj* set = window_.Set();
+        if (!set || row < 0 || static_cast<size_t>(row) >= set->Sequence().size())
+            return nullptr;
+        return set->Sequence()[static_cast<size_t>(row)];
+    }
+
+    int rowCount(const QModelIndex& parent) const override {
+        return parent.isValid() || !window_.Set() ? 0 : static_cast<int>(window_.Set()->Sequence().size());
+    }
+
+    QVariant data(const QModelIndex& index, int role) const override {
+        const CDopeSheetObj* scene = SceneAt(index.row());
+        if (!scene)
+            return {};
+        switch (role) {
+        case Qt::DisplayRole:
+        case Qt::EditRole:
+            return gut::ToQt(scene->Name());
+        case Qt::CheckStateRole:
+            return scene->IsVisible() ? Qt::Checked : Qt::Unchecked;
+        case Qt::ToolTipRole:
+            return gut::ToQt(CDopeSheetObj::SceneFolderName(scene->SceneId()));
+        case Qt::FontRole: {
+            QFont font;
+            font.setBold(scene == window_.Set()->CurrentScene());
+            font.setItalic(!scene->IsVisible());
+            return font;
+        }
+        default:
+            return {};
+        }
+    }
+
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override {
+        const CDopeSheetObj* scene = SceneAt(index.row());
+        if (!scene)
+            return false;
+        if (role == Qt::EditRole)
+            return window_.RenameScene(scene->SceneId(), gut::FromQt(value.toString().trimmed()));
+        if (role == Qt::CheckStateRole && (value.toInt() == Qt::Checked) != scene->IsVisible())
+            return window_.ToggleVisibility(scene->SceneId());
+        return false;
+    }
+
+    Qt::ItemFlags flags(const QModelIndex& index) const override {
+        // Drops go between rows, never onto one.
+        if (!index.isValid())
+            return Qt::ItemIsDropEnabled;
+        return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsUserCheckable |
+               Qt::ItemIsDragEnabled;
+    }
+
+    Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
+    QStringList mimeTypes() const override { return {QString::fromLatin1(kSceneRowMime)}; }
+
+    QMimeData* mimeData(const QModelIndexList& indexes) const override {
+        if (indexes.isEmpty())
+            return nullptr;
+        auto* data = new QMimeData;
+        data->setData(QString::fromLatin1(kSceneRowMime), QByteArray::number(indexes.front().row()));
+        return data;
+    }
+
+    bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int,
+                      const QModelIndex& parent) override {
+        if (action != Qt::MoveAction || !data || !data->hasFormat(QString::fromLatin1(kSceneRowMime)))
+            return false;
+        bool ok = false;
+        const int from = data->data(QString::fromLatin1(kSceneRowMime)).toInt(&ok);
+        if (!ok || !SceneAt(from))
+            return false;
+        // A drop onto a row goes before it; a drop below the rows goes at the end.
+        int to = parent.isValid() ? parent.row() : row;
+        if (to < 0)
+            to = rowCount(QModelIndex());
+        window_.MoveScene(static_cast<size_t>(from), static_cast<size_t>(to));
+        // The rows are up to date already; the view must not remove the dragged one.
+        return false;
+    }
+
+    bool moveRows(const QModelIndex& sourceParent, int sourceRow, int count,
+                  const QModelIndex& destinationParent, int destinationChild) override {
+        if (sourceParent.isValid() || destinationParent.isValid() || count != 1 || !SceneAt(sourceRow))
+            return false;
+        window_.MoveScene(static_cast<size_t>(sourceRow), static_cast<size_t>(std::max(destinationChild, 0)));
+        return true;
+    }
+
+private:
+    GUT_SceneListWnd& window_;
+};
+
+GUT_SceneListWnd::GUT_SceneListWnd(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("SceneList"));
+    model_ = new RowModel(*this);
+    model_->setParent(this);
+    view_ = new QListView(this);
+    view_->setModel(model_);
+    view_->setSelectionMode(QAbstractItemView::SingleSelection);
+    view_->setDragDropMode(QAbstractItemView::InternalMove);
+    view_->setDefaultDropAction(Qt::MoveAction);
+    view_->setDropIndicatorShown(true);
+    view_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    connect(view_, &QListView::clicked, this, [this](const QModelIndex& index) {
+        if (const CDopeSheetObj* scene = model_->SceneAt(index.row()))
+            ActivateScene(scene->SceneId());
+    });
+
+    auto button = [this](const char* text, const char* tip, auto action) {
+        auto* tool = new QToolButton(this);
+        tool->setText(gut::Tr(text));
+        tool->setToolTip(gut::Tr(tip));
+        connect(tool, &QToolButton::clicked, this, action);
+        return tool;
+    };
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(button("+", "Add Scene", [this] { AddScene(); }));
+    buttons->addWidget(button("-", "Delete Scene", [this] {
+        if (const uint32_t id = CurrentSceneId(); id != AS_kInvalidId)
+            DeleteScene(id);
+    }));
+    buttons->addStretch();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(2, 2, 2, 2);
+    layout->addWidget(view_);
+    layout->addLayout(buttons);
+}
+
+GUT_SceneListWnd::~GUT_SceneListWnd() {
+    SetSet(nullptr);
+}
+
+QAbstractItemModel* GUT_SceneListWnd::Model() const {
+    return model_;
+}
+
+void GUT_SceneListWnd::SetSet(CAnimationSetObj* set) {
+    if (set_)
+        set_->NotifProxy().Detach(this);
+    set_ = set;
+    if (set_)
+        set_->NotifProxy().Attach(this);
+    Reload();
+}
+
+void GUT_SceneListWnd::Reload() {
+    model_->Reset();
+    if (const CDopeSheetObj* current = set_ ? set_->CurrentScene() : nullptr) {
+        const int row = set_->SequenceIndex(current->SceneId());
+        if (row >= 0)
+            view_->setCurrentIndex(model_->index(row, 0));
+    }
+}
+
+uint32_t GUT_SceneListWnd::CurrentSceneId() const {
+    const CDopeSheetObj* scene = set_ ? set_->CurrentScene() : nullptr;
+    return scene ? scene->SceneId() : AS_kInvalidId;
+}
+
+void GUT_SceneListWnd::DopeSheetChanged(const void*, const AS_DopeSheetUpdateData& data) {
+    if (data.category == AS_DopeSheetCategory::kScene)
+        Reload();
+}
+
+void GUT_SceneListWnd::DopeSheetObservableGone(const void*) {
+    set_ = nullptr;
+    Reload();
+}
+
+bool GUT_SceneListWnd::AddScene() {
+    if (!set_)
+        return false;
+    const int current = set_->SequenceIndex(CurrentSceneId());
+    const size_t index = current < 0 ? set_->Sequence().size() : static_cast<size_t>(current) + 1;
+    const std::unique_ptr<DC_AddSceneCommand> command = DC_AddSceneCommand::NewScene(*set_, {}, index);
+    if (!command->Run(DC_AddSceneCommand::kName))
+        return false;
+    ActivateScene(command->SceneId());
+    return true;
+}
+
+bool GUT_SceneListWnd::DeleteScene(uint32_t sceneId) {
+    // The command refuses the last scene, and a refused command would empty the history.
+    if (!set_ || set_->Sequence().size() < 2 || !set_->FindScene(sceneId))
+        return false;
+    DC_DeleteSceneCommand command(*set_, sceneId, true);
+    return command.Run(DC_DeleteSceneCommand::kName);
+}
+
+bool GUT_SceneListWnd::RenameScene(uint32_t sceneId, const UT_WString& name) {
+    const CDopeSheetObj* scene = set_ ? set_->FindScene(sceneId) : nullptr;
+    if (!scene || scene->Name() == name)
+        return false;
+    const UT_WString refusal = set_->CheckSceneName(name, sceneId);
+    if (!refusal.empty()) {
+        UT_MessageHandler::Post(UT_MessageHandler::kWarning, refusal);
+        return false;
+    }
+    DC_ChangeSceneProperties command(*set_, sceneId, name, scene->BackgroundColour());
+    return command.Run(DC_ChangeSceneProperties::kName);
+}
+
+bool GUT_SceneListWnd::ToggleVisibility(uint32_t sceneId) {
+    if (!set_ || !set_->FindScene(sceneId))
+        return false;
+    const UT_WString name = DC_ToggleSceneVisibility::NameFor(*set_, sceneId);
+    DC_ToggleSceneVisibility command(*set_, sceneId);
+    return command.Run(name);
+}
+
+bool GUT_SceneListWnd::MoveScene(size_t from, size_t to) {
+    if (!set_ || from >= set_->Sequence().size() || to == from || to == from + 1)
+        return false;
+    DC_ReorderScene command(*set_, from, std::min(to, set_->Sequence().size()));
+    return command.Run(DC_ReorderScene::kName);
+}
+
+void GUT_SceneListWnd::ActivateScene(uint32_t sceneId) {
+    CDopeSheetObj* scene = set_ ? set_->FindScene(sceneId) : nullptr;
+    if (!scene || scene == set_->CurrentScene())
+        return;
+    set_->SetCurrentScene(scene, true);
+    set_->NotifProxy().NotifyScene(nullptr, kSceneActivated, scene);
+}
+
+bool GUT_SceneListWnd::UpdateCommand(uint32_t id, State& state) {
+    const uint32_t current = CurrentSceneId();
+    switch (id) {
+    case kCmdSceneAdd:
+        state.enabled = set_ != nullptr;
+        return true;
+    case kCmdSceneDelete:
+        state.enabled = current != AS_kInvalidId && set_->Sequence().size() > 1;
+        return true;
+    case kCmdSceneRename:
+        state.enabled = current != AS_kInvalidId;
+        return true;
+    case kCmdSceneToggleVisibility:
+        state.enabled = current != AS_kInvalidId;
+        if (state.enabled)
+            state.text = UT_WString(set_->FindScene(current)->IsVisible() ? u"&Hide Scene" : u"S&how Scene");
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool GUT_SceneListWnd::OnCommand(uint32_t id) {
+    const uint32_t current = CurrentSceneId();
+    switch (id) {
+    case kCmdSceneAdd:
+        return AddScene();
+    case kCmdSceneDelete:
+        return DeleteScene(current);
+    case kCmdSceneRename: {
+        // The name is edited in place, in the list.
+        const int row = set_->SequenceIndex(current);
+        if (row < 0)
+            return false;
+        if (auto* dock = qobject_cast<QDockWidget*>(parentWidget()))
+            dock->show();
+        const QModelIndex index = model_->index(row, 0);
+        view_->setCurrentIndex(index);
+        view_->edit(index);
+        return true;
+    }
+    case kCmdSceneToggleVisibility:
+        return ToggleVisibility(current);
+    default:
+        return false;
     }
 }

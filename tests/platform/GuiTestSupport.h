@@ -25,6 +25,11 @@
 #include <memory>
 #include <set>
 
+// Qt's strings in the messages of failed expectations.
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
+
 // Answers the modal windows that open while a test runs, one step per window, in order.
 // A step gets the active modal window; whatever it does that opens another modal window
 // must be queued (Later) so that the next step can answer that one. A modal window with
@@ -72,7 +77,8 @@ private:
             if (!waiting_.isValid())
                 waiting_.start();
             if (waiting_.elapsed() > 3000) {
-                ADD_FAILURE() << "unexpected modal window \"" << modal->windowTitle().toStdString() << "\"";
+                ADD_FAILURE() << "unexpected modal window \"" << modal->windowTitle().toStdString() << "\" ("
+                              << modal->metaObject()->className() << ")";
                 if (auto* dialog = qobject_cast<QDialog*>(modal))
                     dialog->reject();
                 else

@@ -86,10 +86,12 @@ TEST_F(MainFrameTest, MenuBarAndTitleFollowTheDocument) {
     NewProject("Reel");
     ASSERT_NE(Document(), nullptr);
     EXPECT_EQ(Frame().CurrentMenu(), CMainFrame::kMenuDocument);
-    EXPECT_EQ(MenuTitles(), (QStringList{"File", "Edit", "View", "Help"}));
+    EXPECT_EQ(MenuTitles(), (QStringList{"File", "Edit", "View", "Scene", "Help"}));
     commands = MenuCommands();
-    for (uint32_t id : {kCmdFileClose, kCmdFileSave, kCmdFileSaveAs, kCmdFileProperties, kCmdDrawingMode,
-                        kCmdSceneplanningMode, kCmdFileSaveGlobalLibrary})
+    for (uint32_t id :
+         {kCmdFileClose, kCmdFileSave, kCmdFileSaveAs, kCmdFileProperties, kCmdDrawingMode,
+          kCmdSceneplanningMode, kCmdFileSaveGlobalLibrary, kCmdEditUndo, kCmdEditRedo, kCmdViewSceneList,
+          kCmdSceneAdd, kCmdSceneDelete, kCmdSceneRename, kCmdSceneToggleVisibility})
         EXPECT_TRUE(commands.count(id)) << id;
     EXPECT_FALSE(Frame().Action(kCmdFileSaveGlobalLibrary)->isEnabled()); // no library window
     EXPECT_EQ(Frame().windowTitle(), "Reel[*] - Quilmoor Studio");
@@ -159,8 +161,14 @@ TEST_F(MainFrameTest, OpenDialogAndItsFolder) {
         script.Then([&](QWidget* modal) {
             auto* dialog = dynamic_cast<QFileDialog*>(modal);
             ASSERT_NE(dialog, nullptr);
-            dialog->selectFile(QString::fromStdString(project.string()));
-            ModalScript::Accept(dialog);
+            // The path typed into the file name field, as a user may type it.
+            auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            ASSERT_NE(name, nullptr);
+            const QString path = QString::fromStdString(project.string());
+            ModalScript::Later([dialog, name, path] {
+                name->setText(path);
+                static_cast<QDialog*>(dialog)->accept();
+            });
         });
         ASSERT_TRUE(RunScripted(Frame(), kCmdFileOpen, script));
     }
@@ -387,7 +395,9 @@ TEST_F(MainFrameTest, ScreenshotOfAnOpenDocument) {
     Start();
     NewProject("Reel");
     CMainFrame& frame = Frame();
-    frame.resize(1000, 640);
+    frame.resize(1100, 660);
+    ASSERT_TRUE(Run(kCmdSceneAdd));
+    ASSERT_TRUE(Run(kCmdSceneAdd));
     ASSERT_TRUE(Run(kCmdSceneplanningMode));
     QApplication::processEvents();
     const QImage image = frame.grab().toImage();
