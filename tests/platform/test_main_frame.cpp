@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
+#include <QTest>
 #include <QUrl>
 #include <fstream>
 #include <map>
@@ -387,8 +388,15 @@ TEST_F(MainFrameTest, ModeSwitchSwapsShortcutsAndLayout) {
 
     // Shortcuts common to both tables stay.
     EXPECT_EQ(frame.Action(kCmdFileSave)->shortcut(), QKeySequence(QKeySequence::fromString("Ctrl+S")));
-    ASSERT_TRUE(Run(kCmdDrawingMode));
+
+    // The key itself, as the user presses it: F6 goes back and forth.
+    frame.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame));
+    QTest::keyClick(&frame, Qt::Key_F6);
+    EXPECT_FALSE(frame.IsSceneplanningMode());
     EXPECT_FALSE(Document()->Set()->IsSceneplanningMode());
+    QTest::keyClick(&frame, Qt::Key_F6);
+    EXPECT_TRUE(frame.IsSceneplanningMode());
 }
 
 TEST_F(MainFrameTest, ScreenshotOfAnOpenDocument) {
