@@ -6,17 +6,24 @@ const std::vector<QmsCommand>& QmsCommandTable() {
         {"info", "qms info PROJECT [--json]", "show an animation set", QmsRunInfo},
         {"save", "qms save PROJECT", "open an animation set and save it again", QmsRunSave},
         {"demo", "qms demo FOLDER", "create, save, reopen and show a demo animation set", QmsRunDemo},
+        {"scene",
+         "qms scene list PROJECT | add PROJECT [NAME] [--at POSITION] | rename PROJECT ID NAME | delete "
+         "PROJECT ID "
+         "| move PROJECT ID POSITION | hide PROJECT ID | show PROJECT ID [--json]",
+         "list the scenes of an animation set, or change them with undoable commands and save", QmsRunScene},
         {"prefs", "qms prefs [get KEY | set KEY VALUE | reset [--messages]] [--json]",
          "show or change the user's preferences", QmsRunPrefs},
         {"curve", "qms curve eval FILE|JSON [--frames A..B] [--step S] [--svg FILE] [--store FILE] [--json]",
          "print a function curve's value per frame; draw it with its keys and handles", QmsRunCurve},
         {"path",
-         "qms path eval FILE|JSON [--velocity FILE|JSON] [--frames A..B] [--step S] [--svg FILE] [--store FILE] "
+         "qms path eval FILE|JSON [--velocity FILE|JSON] [--frames A..B] [--step S] [--svg FILE] [--store "
+         "FILE] "
          "[--json]",
          "print a motion path's position per frame; draw it with its keys", QmsRunPath},
-        {"lipsync", "qms lipsync AUDIO [--fps N] [--json]", "print one mouth shape (A-G, X) per frame of a sound",
-         QmsRunLipsync},
-        {"geom", "qms geom fit|intersect|flatten INPUT.json [--tolerance T] [--scale S] [--svg FILE] [--json]",
+        {"lipsync", "qms lipsync AUDIO [--fps N] [--json]",
+         "print one mouth shape (A-G, X) per frame of a sound", QmsRunLipsync},
+        {"geom",
+         "qms geom fit|intersect|flatten INPUT.json [--tolerance T] [--scale S] [--svg FILE] [--json]",
          "fit, intersect or flatten paths given as JSON points; draw them", QmsRunGeom},
         {"image", "qms image convert IN OUT [--json]",
          "read any image file and write it as TGA (our codec) or PNG, by OUT's extension", QmsRunImage},

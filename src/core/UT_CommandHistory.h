@@ -27,7 +27,8 @@ public:
     UT_CommandHistory& operator=(const UT_CommandHistory&) = delete;
 
     // Executes `command` (which stays the caller's) and records its inverse under `name`.
-    // A command without inverse discards the whole history and gives false.
+    // A command without inverse discards the whole history and gives false, unless it is
+    // one whose inverse is optional, run while a group is open.
     bool Execute(UT_Command& command, const UT_WString& name);
     // Records the inverse of a change already made: into the open group if there is one.
     void Add(std::unique_ptr<UT_Command> inverse, const UT_WString& name);

@@ -95,18 +95,6 @@ TEST_F(NotificationTest, OrdersAreStaleBeforeAnyObserverHearsOfAChange) {
     EXPECT_FALSE(first->DrawingOrder().IsRangeDirty());
 }
 
-TEST_F(NotificationTest, CodesBelongToTheirCategories) {
-    EXPECT_TRUE(AS_CodeBelongsTo(AS_DopeSheetCategory::kScene, kSceneVisibilityChanged));
-    EXPECT_FALSE(AS_CodeBelongsTo(AS_DopeSheetCategory::kScene, kElementChanged));
-    EXPECT_TRUE(AS_CodeBelongsTo(AS_DopeSheetCategory::kElement, kElementsAboutToBeRemoved));
-    EXPECT_FALSE(AS_CodeBelongsTo(AS_DopeSheetCategory::kElement, kCellFirst));
-    EXPECT_TRUE(AS_CodeBelongsTo(AS_DopeSheetCategory::kCell, kCellLast));
-    EXPECT_FALSE(AS_CodeBelongsTo(AS_DopeSheetCategory::kExposure, kCellLast));
-    EXPECT_TRUE(AS_CodeBelongsTo(AS_DopeSheetCategory::kPlacement, kProportionalScaling));
-    EXPECT_FALSE(AS_CodeBelongsTo(AS_DopeSheetCategory::kPlacement, 34));
-    EXPECT_FALSE(AS_CodeBelongsTo(AS_DopeSheetCategory::kProjectState, kSceneAdded));
-}
-
 TEST_F(NotificationTest, PermanentObserversComeFirstAndTheSenderIsSkipped) {
     std::vector<std::string> log;
     RecordingObserver view(*set, "view");

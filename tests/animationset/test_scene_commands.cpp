@@ -414,13 +414,4 @@ TEST_F(SceneCommandsTest, FrameRangeFollowsTheOrderUntilItIsCustom) {
     settings.Detach(&recorder);
 }
 
-TEST_F(SceneCommandsTest, TheDocumentGivesEachSetItsSettings) {
-    FakeAppHost host;
-    CSketchrunDoc document(host);
-    document.Attach(std::move(set), UT_FilePath());
-    ASSERT_NE(document.Settings(), nullptr);
-    EXPECT_EQ(document.Set()->SettingsManager(), document.Settings());
-    EXPECT_EQ(document.Settings()->Settings().AnimationSet(), document.Set());
-}
-
 } // namespace

@@ -241,6 +241,24 @@ TEST(Preferences, PageRulesRefuseBadValues) {
     EXPECT_EQ(prefs.FrameRate(), 12u);
 }
 
+TEST(Preferences, EachPageShowsItsSections) {
+    EXPECT_EQ(P::KeysOfPage(P::Page::kAnimation),
+              (std::vector<P::Key>{P::kFrameRate, P::kCameraWidth, P::kCameraHeight}));
+    EXPECT_EQ(P::KeysOfPage(P::Page::kScene).front(), P::kAngleUnit);
+    EXPECT_EQ(P::KeysOfPage(P::Page::kScene).back(), P::kBias);
+    // Every key but the memory of the software renderer is on exactly one page.
+    std::vector<int> pagesOf(P::kKeyCount, 0);
+    for (P::Page page : {P::Page::kTemplate, P::Page::kScene, P::Page::kRenderer, P::Page::kOnionSkin,
+                         P::Page::kDefaultColors, P::Page::kAnimation})
+        for (P::Key key : P::KeysOfPage(page))
+            ++pagesOf[key];
+    for (int key = 0; key < P::kKeyCount; ++key)
+        EXPECT_EQ(pagesOf[key], key == P::kTextureMemory ? 0 : 1) << P::Info(static_cast<P::Key>(key)).name;
+    EXPECT_EQ(P::ChangeNotice(P::Page::kAnimation),
+              u"This change will be applied to all new animation sets.");
+    EXPECT_EQ(P::ChangeNotice(P::Page::kRenderer), u"");
+}
+
 TEST(Preferences, KeysAreFoundByNameOrSectionInAnyCase) {
     EXPECT_EQ(P::FindKey("frameRate"), P::kFrameRate);
     EXPECT_EQ(P::FindKey("FRAMERATE"), P::kFrameRate);
