@@ -1,6 +1,7 @@
 #include "platform/GUT_StringTable.h"
 
 #include "animationset/CNewAnimationDlg.h"
+#include "core/PR_Preferences.h"
 
 UT_WString GUT_LoadString(uint32_t id) {
     switch (id) {
@@ -9,7 +10,7 @@ UT_WString GUT_LoadString(uint32_t id) {
     case kStrProgramTitle:
         return u"Quilmoor Studio";
     case kStrAppliesToNewSets:
-        return u"This change will be applied to all new animation sets.";
+        return PR_Preferences::ChangeNotice(PR_Preferences::Page::kAnimation);
     default:
         return {};
     }

@@ -7,5 +7,4 @@
 class PR_AnimationSettingsUI : public PR_PreferencePage {
 public:
     explicit PR_AnimationSettingsUI(PR_Preferences& preferences);
-    void Store() override;
 };

@@ -8,10 +8,11 @@
 class QFormLayout;
 
 // One page of the preferences sheet: fields bound to preference keys, filled from the
-// preferences, checked by their rules and written back.
+// preferences, checked by their rules and written back. A page of the preferences shows
+// the keys the preferences give for it, and after a change the notice they give.
 class PR_PreferencePage : public QWidget {
 public:
-    PR_PreferencePage(PR_Preferences& preferences, const char* title);
+    PR_PreferencePage(PR_Preferences& preferences, PR_Preferences::Page page, const char* title);
 
     const QString& Title() const { return title_; }
     // Fills the fields from the preferences.
@@ -28,12 +29,14 @@ public:
 protected:
     enum class FieldKind { kNumber, kFlag, kColour, kText, kFolder, kChoice };
 
+    // A page of other settings, which adds its own fields.
+    PR_PreferencePage(PR_Preferences& preferences, const char* title);
+
     // Adds a row to the page's form for the key.
     QWidget* AddField(PR_Preferences::Key key, const char* label, FieldKind kind);
     // A drop-down list of named values.
     QWidget* AddChoice(PR_Preferences::Key key, const char* label, const std::vector<const char*>& names,
                        int64_t firstValue);
-    void AddSection(const char* heading);
     PR_Preferences& Preferences() const { return preferences_; }
 
 private:
@@ -48,6 +51,7 @@ private:
     void Show(const Binding& binding);
 
     PR_Preferences& preferences_;
+    std::optional<PR_Preferences::Page> page_;
     QString title_;
     QFormLayout* form_ = nullptr;
     std::vector<Binding> bindings_;

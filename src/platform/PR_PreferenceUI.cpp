@@ -111,11 +111,6 @@ QWidget* PR_PreferencePage::AddChoice(PR_Preferences::Key key, const char* label
     return box;
 }
 
-void PR_PreferencePage::AddSection(const char* heading) {
-    auto* label = new QLabel(QStringLiteral("<b>%1</b>").arg(gut::Tr(heading)), this);
-    form_->addRow(label);
-}
-
 QWidget* PR_PreferencePage::Field(PR_Preferences::Key key) const {
     for (const Binding& binding : bindings_)
         if (binding.key == key)
@@ -181,8 +176,13 @@ bool PR_PreferencePage::Check(UT_WString& message, QWidget*& field) const {
 }
 
 void PR_PreferencePage::Store() {
+    const bool changed = Changed();
     for (const Binding& binding : bindings_)
         preferences_.SetFromText(binding.key, ValueText(binding));
+    // The notice a page gives after a change, which the user may silence.
+    if (changed && page_ == PR_Preferences::Page::kAnimation && UT_MessageHandler::Current())
+        UT_MessageHandler::Current()->MessageOnceById(UT_MessageHandler::kInformation, kStrAppliesToNewSets,
+                                                      nullptr);
 }
 
 bool PR_PreferencePage::Changed() const {
@@ -209,84 +209,157 @@ bool PR_PreferencePage::Changed() const {
 
 // ---- the pages of the sections
 
+namespace {
+
+using Key = PR_Preferences::Key;
+
+// How the pages show a key: its label, and its choices when it takes one of a few values.
+struct FieldSpec {
+    const char* label;
+    std::vector<const char*> choices = {};
+    int64_t firstChoice = 0;
+};
+
+FieldSpec SpecOf(Key key) {
+    switch (key) {
+    case PR_Preferences::kFrameRate:
+        return {"Frame rate (frames per second)"};
+    case PR_Preferences::kCameraWidth:
+        return {"Camera width (pixels)"};
+    case PR_Preferences::kCameraHeight:
+        return {"Camera height (pixels)"};
+    case PR_Preferences::kDirect3D:
+        return {"Use Direct3D"};
+    case PR_Preferences::kDirect3DSoftware:
+        return {"Direct3D software device"};
+    case PR_Preferences::kDirect3DNoCopyBuffer:
+        return {"Direct3D without copy buffer"};
+    case PR_Preferences::kSmoothPegs:
+        return {"Smooth pegs"};
+    case PR_Preferences::kSmoothTools:
+        return {"Smooth tools"};
+    case PR_Preferences::kSmoothTextures:
+        return {"Smooth textures"};
+    case PR_Preferences::kTextureReductionSize:
+        return {"Texture reduction size (pixels)"};
+    case PR_Preferences::kConservativeTextureManagement:
+        return {"Conservative texture management"};
+    case PR_Preferences::kPolygonCacheMemory:
+        return {"Polygon cache memory (megabytes)"};
+    case PR_Preferences::kTension:
+        return {"Tension of new path keys", {"-1", "0", "1"}, -1};
+    case PR_Preferences::kContinuity:
+        return {"Continuity of new path keys", {"-1", "0", "1"}, -1};
+    case PR_Preferences::kBias:
+        return {"Bias of new path keys", {"-1", "0", "1"}, -1};
+    case PR_Preferences::kAngleUnit:
+        return {"Angles", {"Degrees", "Radians"}};
+    case PR_Preferences::kCoordinateUnit:
+        return {"Coordinates", {"Centimeters", "Inches", "Model units", "Fields"}};
+    case PR_Preferences::kShowUnits:
+        return {"Show units"};
+    case PR_Preferences::kPegColor:
+        return {"Peg"};
+    case PR_Preferences::kEffectColor:
+        return {"Effect"};
+    case PR_Preferences::kParamGroupColor:
+        return {"Parameter group"};
+    case PR_Preferences::kCameraColor:
+        return {"Camera"};
+    case PR_Preferences::kSoundColor:
+        return {"Sound"};
+    case PR_Preferences::kDrawingColor:
+        return {"Drawing"};
+    case PR_Preferences::kImageColor:
+        return {"Image"};
+    case PR_Preferences::kMediaColor:
+        return {"Media"};
+    case PR_Preferences::kTimelineBGColor:
+        return {"Timeline background"};
+    case PR_Preferences::kDrawingViewBGColor:
+        return {"Drawing view background"};
+    case PR_Preferences::kUseSceneBGColor:
+        return {"Use the scene's background in the drawing view"};
+    case PR_Preferences::kUseSceneBGColorInSV:
+        return {"Use the scene's background in the scene view"};
+    case PR_Preferences::kTimeMeasurementUnit:
+        return {"Time measurement unit"};
+    case PR_Preferences::kColorBefore:
+        return {"Drawings before"};
+    case PR_Preferences::kColorAfter:
+        return {"Drawings after"};
+    case PR_Preferences::kEnableOSShade:
+        return {"Shade the onion skin"};
+    case PR_Preferences::kEnableSLTShade:
+        return {"Shade the static light table"};
+    case PR_Preferences::kEnableALTShade:
+        return {"Shade the automatic light table"};
+    case PR_Preferences::kTemplateName:
+        return {"Author"};
+    case PR_Preferences::kTemplateCopyright:
+        return {"Copyright"};
+    case PR_Preferences::kGlobalTemplatePath:
+        return {"Global library folder"};
+    case PR_Preferences::kExportDir:
+        return {"Export folder"};
+    case PR_Preferences::kProjectDir:
+        return {"Project folder"};
+    default:
+        return {PR_Preferences::Info(key).name};
+    }
+}
+
+} // namespace
+
+PR_PreferencePage::PR_PreferencePage(PR_Preferences& preferences, PR_Preferences::Page page,
+                                     const char* title)
+    : PR_PreferencePage(preferences, title) {
+    page_ = page;
+    for (const Key key : PR_Preferences::KeysOfPage(page)) {
+        const FieldSpec spec = SpecOf(key);
+        if (!spec.choices.empty()) {
+            AddChoice(key, spec.label, spec.choices, spec.firstChoice);
+            continue;
+        }
+        FieldKind kind = FieldKind::kNumber;
+        switch (PR_Preferences::Info(key).kind) {
+        case PR_Preferences::Kind::kFlagIsOne:
+        case PR_Preferences::Kind::kFlagNonZero:
+            kind = FieldKind::kFlag;
+            break;
+        case PR_Preferences::Kind::kColour:
+            kind = FieldKind::kColour;
+            break;
+        case PR_Preferences::Kind::kText:
+            kind = key == PR_Preferences::kGlobalTemplatePath || key == PR_Preferences::kExportDir ||
+                           key == PR_Preferences::kProjectDir
+                       ? FieldKind::kFolder
+                       : FieldKind::kText;
+            break;
+        default:
+            break;
+        }
+        AddField(key, spec.label, kind);
+    }
+}
+
 PR_AnimationSettingsUI::PR_AnimationSettingsUI(PR_Preferences& preferences)
-    : PR_PreferencePage(preferences, "Animation") {
-    AddField(PR_Preferences::kFrameRate, "Frame rate (frames per second)", FieldKind::kNumber);
-    AddField(PR_Preferences::kCameraWidth, "Camera width (pixels)", FieldKind::kNumber);
-    AddField(PR_Preferences::kCameraHeight, "Camera height (pixels)", FieldKind::kNumber);
-}
+    : PR_PreferencePage(preferences, PR_Preferences::Page::kAnimation, "Animation") {}
 
-void PR_AnimationSettingsUI::Store() {
-    const bool changed = Changed();
-    PR_PreferencePage::Store();
-    if (changed && UT_MessageHandler::Current())
-        UT_MessageHandler::Current()->MessageOnceById(UT_MessageHandler::kInformation, kStrAppliesToNewSets,
-                                                      nullptr);
-}
+PR_RendererUI::PR_RendererUI(PR_Preferences& preferences)
+    : PR_PreferencePage(preferences, PR_Preferences::Page::kRenderer, "Renderer") {}
 
-PR_RendererUI::PR_RendererUI(PR_Preferences& preferences) : PR_PreferencePage(preferences, "Renderer") {
-    AddField(PR_Preferences::kDirect3D, "Use Direct3D", FieldKind::kFlag);
-    AddField(PR_Preferences::kDirect3DSoftware, "Direct3D software device", FieldKind::kFlag);
-    AddField(PR_Preferences::kDirect3DNoCopyBuffer, "Direct3D without copy buffer", FieldKind::kFlag);
-    AddField(PR_Preferences::kSmoothPegs, "Smooth pegs", FieldKind::kFlag);
-    AddField(PR_Preferences::kSmoothTools, "Smooth tools", FieldKind::kFlag);
-    AddField(PR_Preferences::kSmoothTextures, "Smooth textures", FieldKind::kFlag);
-    AddField(PR_Preferences::kConservativeTextureManagement, "Conservative texture management",
-             FieldKind::kFlag);
-    AddField(PR_Preferences::kTextureReductionSize, "Texture reduction size (pixels)", FieldKind::kNumber);
-    AddField(PR_Preferences::kPolygonCacheMemory, "Polygon cache memory (megabytes)", FieldKind::kNumber);
-    AddField(PR_Preferences::kTextureMemory, "Software renderer texture memory (bytes)", FieldKind::kNumber);
-}
-
-PR_SceneUI::PR_SceneUI(PR_Preferences& preferences) : PR_PreferencePage(preferences, "Scene") {
-    AddSection("Units");
-    AddChoice(PR_Preferences::kAngleUnit, "Angles", {"Degrees", "Radians"}, 0);
-    AddChoice(PR_Preferences::kCoordinateUnit, "Coordinates",
-              {"Centimeters", "Inches", "Model units", "Fields"}, 0);
-    AddField(PR_Preferences::kShowUnits, "Show units", FieldKind::kFlag);
-    AddSection("New path keys");
-    AddChoice(PR_Preferences::kTension, "Tension", {"-1", "0", "1"}, -1);
-    AddChoice(PR_Preferences::kContinuity, "Continuity", {"-1", "0", "1"}, -1);
-    AddChoice(PR_Preferences::kBias, "Bias", {"-1", "0", "1"}, -1);
-}
+PR_SceneUI::PR_SceneUI(PR_Preferences& preferences)
+    : PR_PreferencePage(preferences, PR_Preferences::Page::kScene, "Scene") {}
 
 PR_OnionSkinPrefUI::PR_OnionSkinPrefUI(PR_Preferences& preferences)
-    : PR_PreferencePage(preferences, "Onion Skin") {
-    AddField(PR_Preferences::kColorBefore, "Drawings before", FieldKind::kColour);
-    AddField(PR_Preferences::kColorAfter, "Drawings after", FieldKind::kColour);
-    AddField(PR_Preferences::kEnableOSShade, "Shade the onion skin", FieldKind::kFlag);
-    AddField(PR_Preferences::kEnableSLTShade, "Shade the static light table", FieldKind::kFlag);
-    AddField(PR_Preferences::kEnableALTShade, "Shade the automatic light table", FieldKind::kFlag);
-}
+    : PR_PreferencePage(preferences, PR_Preferences::Page::kOnionSkin, "Onion Skin") {}
 
-PR_DefaultColorUI::PR_DefaultColorUI(PR_Preferences& preferences) : PR_PreferencePage(preferences, "Colors") {
-    AddSection("Elements");
-    AddField(PR_Preferences::kDrawingColor, "Drawing", FieldKind::kColour);
-    AddField(PR_Preferences::kImageColor, "Image", FieldKind::kColour);
-    AddField(PR_Preferences::kSoundColor, "Sound", FieldKind::kColour);
-    AddField(PR_Preferences::kPegColor, "Peg", FieldKind::kColour);
-    AddField(PR_Preferences::kCameraColor, "Camera", FieldKind::kColour);
-    AddField(PR_Preferences::kMediaColor, "Media", FieldKind::kColour);
-    AddField(PR_Preferences::kEffectColor, "Effect", FieldKind::kColour);
-    AddField(PR_Preferences::kParamGroupColor, "Parameter group", FieldKind::kColour);
-    AddSection("Backgrounds");
-    AddField(PR_Preferences::kTimelineBGColor, "Timeline", FieldKind::kColour);
-    AddField(PR_Preferences::kDrawingViewBGColor, "Drawing view", FieldKind::kColour);
-    AddField(PR_Preferences::kUseSceneBGColor, "Use the scene's background in the drawing view",
-             FieldKind::kFlag);
-    AddField(PR_Preferences::kUseSceneBGColorInSV, "Use the scene's background in the scene view",
-             FieldKind::kFlag);
-    AddField(PR_Preferences::kTimeMeasurementUnit, "Time measurement unit", FieldKind::kNumber);
-}
+PR_DefaultColorUI::PR_DefaultColorUI(PR_Preferences& preferences)
+    : PR_PreferencePage(preferences, PR_Preferences::Page::kDefaultColors, "Colors") {}
 
 PR_TemplatePrefUI::PR_TemplatePrefUI(PR_Preferences& preferences)
-    : PR_PreferencePage(preferences, "Templates") {
-    AddField(PR_Preferences::kTemplateName, "Author", FieldKind::kText);
-    AddField(PR_Preferences::kTemplateCopyright, "Copyright", FieldKind::kText);
-    AddField(PR_Preferences::kGlobalTemplatePath, "Global library folder", FieldKind::kFolder);
-    AddField(PR_Preferences::kExportDir, "Export folder", FieldKind::kFolder);
-    AddField(PR_Preferences::kProjectDir, "Project folder", FieldKind::kFolder);
-}
+    : PR_PreferencePage(preferences, PR_Preferences::Page::kTemplate, "Templates") {}
 
 // ---- shortcuts
 
