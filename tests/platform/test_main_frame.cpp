@@ -2,6 +2,7 @@
 // files, drops, modes and a screenshot.
 
 #include "GuiTestSupport.h"
+#include "core/UT_FileOperations.h"
 #include "platform/GUT_Commands.h"
 #include "platform/GUT_NewAnimationWnd.h"
 #include "platform/GUT_SceneOverview.h"
@@ -106,6 +107,49 @@ TEST_F(MainFrameTest, MenuBarAndTitleFollowTheDocument) {
     EXPECT_EQ(Frame().CurrentMenu(), CMainFrame::kMenuNoDocument);
     EXPECT_EQ(Frame().windowTitle(), "Quilmoor Studio");
     EXPECT_TRUE(messages.questions.empty());
+}
+
+// Notes the cursor while the files of a save are renamed into place; can fail a rename.
+class CursorAtRename : public UT_FileOperations {
+public:
+    int Rename(const UT_FilePath& from, const UT_FilePath& to) override {
+        const QCursor* cursor = QApplication::overrideCursor();
+        shapes.push_back(cursor ? cursor->shape() : Qt::ArrowCursor);
+        return fail ? EACCES : UT_FileOperations::Rename(from, to);
+    }
+    std::vector<Qt::CursorShape> shapes;
+    bool fail = false;
+};
+
+TEST_F(MainFrameTest, SavingShowsTheWaitCursorAndReportsAfterIt) {
+    Start();
+    NewProject("Reel");
+    CursorAtRename operations;
+    UT_FileOperations* previous = UT_FileOperations::SetCurrent(&operations);
+    EXPECT_TRUE(Run(kCmdFileSave));
+    ASSERT_FALSE(operations.shapes.empty());
+    for (const Qt::CursorShape shape : operations.shapes)
+        EXPECT_EQ(shape, Qt::WaitCursor);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+
+    // A failed save reports once the wait is over, and the document stays modified.
+    struct CursorAtMessage : RecordingMessages {
+        void Message(int severity, const UT_WString& text) override {
+            waiting = QApplication::overrideCursor() != nullptr;
+            RecordingMessages::Message(severity, text);
+        }
+        bool waiting = true;
+    } report;
+    UT_MessageHandlerScope reporting(&report);
+    Document()->Set()->SetForcedDirty(true);
+    operations.fail = true;
+    EXPECT_FALSE(Run(kCmdFileSave));
+    UT_FileOperations::SetCurrent(previous);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    ASSERT_EQ(report.messages.size(), 1u);
+    EXPECT_EQ(report.messages[0].text.rfind(u"Error while saving the animation set.", 0), 0u);
+    EXPECT_FALSE(report.waiting);
+    EXPECT_TRUE(Frame().isWindowModified());
 }
 
 TEST_F(MainFrameTest, NewFlowWithEveryAnswer) {
