@@ -137,9 +137,9 @@ std::unique_ptr<UT_Command> DC_ReLabelCellCommand::Execute() {
         return nullptr;
     std::vector<std::pair<AS_DrawingLevelObj*, AS_FrameRange>> targets;
     for (const DC_CellSelection::Level& selected : selection_.Levels()) {
-        AS_DrawingLevelObj* level = FindCellLevel(*scene, selected.element);
-        if (!level && !scene->FindElement(selected.element))
+        if (!scene->FindElement(selected.element) || scene->IsRemoved(selected.element))
             return nullptr;
+        AS_DrawingLevelObj* level = FindCellLevel(*scene, selected.element);
         if (level && level->HasDrawingCells() && selected.frames.count > 0)
             targets.emplace_back(level, selected.frames);
     }
