@@ -11,6 +11,13 @@ const std::vector<QmsCommand>& QmsCommandTable() {
          "PROJECT ID "
          "| move PROJECT ID POSITION | hide PROJECT ID | show PROJECT ID [--json]",
          "list the scenes of an animation set, or change them with undoable commands and save", QmsRunScene},
+        {"cells",
+         "qms cells PROJECT SCENE ELEMENT [set FRAME DRAWING | runs | clear FROM TO | remove FROM TO | "
+         "timing FROM "
+         "TO LENGTH] [--json]",
+         "show the exposure of a drawing element, or change it with undoable commands and save", QmsRunCells},
+        {"play", "qms play PROJECT SCENE [--fps N] [--from F --to T] [--loop N] [--json]",
+         "run a scene at its frame rate and print each frame shown with its time", QmsRunPlay},
         {"prefs", "qms prefs [get KEY | set KEY VALUE | reset [--messages]] [--json]",
          "show or change the user's preferences", QmsRunPrefs},
         {"curve", "qms curve eval FILE|JSON [--frames A..B] [--step S] [--svg FILE] [--store FILE] [--json]",

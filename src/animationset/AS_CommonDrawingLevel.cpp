@@ -5,8 +5,10 @@
 #include "core/DB_MemFile.h"
 #include "core/UT_FileTransaction.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <string>
 
 void AS_CommonDrawingLevel::Read(DB_Archive& archive) {
     palettes_ = static_cast<CM_PaletteList*>(archive.Context());
@@ -127,6 +129,22 @@ std::vector<UT_WString> AS_CommonDrawingLevel::GetDrawingNames() const {
     for (const auto& [key, entry] : drawings_)
         names.push_back(entry->GetName());
     return names;
+}
+
+UT_WString AS_CommonDrawingLevel::MakeNewDrawingName() const {
+    uint64_t highest = 0;
+    for (const auto& [key, entry] : drawings_) {
+        uint64_t value = 0;
+        for (char16_t c : entry->GetName()) {
+            if (c < u'0' || c > u'9')
+                break;
+            // Names of absurd length saturate rather than wrap.
+            value = std::min<uint64_t>(value * 10 + static_cast<uint64_t>(c - u'0'), UINT32_MAX);
+        }
+        highest = std::max(highest, value);
+    }
+    const std::string text = std::to_string(highest + 1);
+    return UT_WString(text.begin(), text.end());
 }
 
 std::vector<uint32_t> AS_CommonDrawingLevel::GetDrawingIds() const {

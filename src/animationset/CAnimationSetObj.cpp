@@ -1,5 +1,6 @@
 #include "animationset/CAnimationSetObj.h"
 
+#include "animationset/AS_CellIteratorObservable.h"
 #include "animationset/AS_DopeSheetNotifProxy.h"
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/SPO_SettingsMgr.h"
@@ -30,7 +31,7 @@ CAnimationSetObj::CAnimationSetObj()
 
 CAnimationSetObj::~CAnimationSetObj() {
     if (g_current == this)
-        g_current = nullptr;
+        SetCurrent(nullptr);
     // Observers learn that the set goes while all of it is still there.
     proxy_.reset();
     // Scenes hold a pointer to the palette list: let them go first.
@@ -44,6 +45,25 @@ CAnimationSetObj* CAnimationSetObj::Current() {
 }
 void CAnimationSetObj::SetCurrent(CAnimationSetObj* set) {
     g_current = set;
+    if (set)
+        set->PointCurrentCell();
+    else
+        AS_CellIteratorObservable::Instance().PointAt(nullptr, nullptr);
+}
+
+void CAnimationSetObj::PointCurrentCell() const {
+    if (g_current != this)
+        return;
+    AS_CompositionOrder* order = nullptr;
+    if (currentScene_)
+        order = sceneplanningMode_ ? static_cast<AS_CompositionOrder*>(&currentScene_->SceneplanningOrder())
+                                   : &currentScene_->DrawingOrder();
+    AS_CellIteratorObservable::Instance().PointAt(currentScene_, order);
+}
+
+void CAnimationSetObj::SetSceneplanningMode(bool on) {
+    sceneplanningMode_ = on;
+    PointCurrentCell();
 }
 
 void CAnimationSetObj::InitialiseNew(uint32_t frameRate, uint32_t cameraWidth, uint32_t cameraHeight) {
@@ -100,6 +120,8 @@ void CAnimationSetObj::AddScene(std::unique_ptr<CDopeSheetObj> scene, size_t ind
     if (currentScene_ == entry.scene.get())
         currentScene_ = raw;
     entry.scene = std::move(scene);
+    if (currentScene_ == raw)
+        PointCurrentCell();
     entry.removed = false;
     entry.eraseFiles = false;
     sequence_.insert(sequence_.begin() + static_cast<std::ptrdiff_t>(std::min(index, sequence_.size())), raw);
@@ -118,10 +140,12 @@ void CAnimationSetObj::RemoveScene(uint32_t id, bool eraseFiles) {
     if (pos != sequence_.end())
         sequence_.erase(pos);
     if (currentScene_ == scene) {
-        if (sequence_.empty())
+        if (sequence_.empty()) {
             currentScene_ = nullptr;
-        else
+            PointCurrentCell();
+        } else {
             SetCurrentScene(sequence_[std::min(index, sequence_.size() - 1)], true);
+        }
     }
 }
 
@@ -193,6 +217,7 @@ void CAnimationSetObj::SetCurrentScene(CDopeSheetObj* scene, bool real) {
     currentSceneReal_ = real;
     if (scene)
         scene->EnsureDefaultCamera(cameraWidth_, cameraHeight_);
+    PointCurrentCell();
     if (settings_)
         settings_->CurrentSceneChanged();
 }
@@ -216,9 +241,10 @@ void CAnimationSetObj::ApplyCameraSize() {
 
 void CAnimationSetObj::Read(DB_Archive& archive) {
     version_ = archive.Version();
+    currentScene_ = nullptr;
+    PointCurrentCell();
     scenes_.clear();
     sequence_.clear();
-    currentScene_ = nullptr;
 
     nextSceneId_ = archive.ReadU32();
     archive.ReadTyped(*paletteList_);

@@ -35,7 +35,8 @@ public:
     // The document passes the frame rate and camera size of the preferences.
     void InitialiseNew(uint32_t frameRate, uint32_t cameraWidth, uint32_t cameraHeight);
 
-    // The set the application works on, or nullptr.
+    // The set the application works on, or nullptr. The application's current cell
+    // follows the current scene and mode of this set.
     static CAnimationSetObj* Current();
     static void SetCurrent(CAnimationSetObj* set);
 
@@ -91,7 +92,7 @@ public:
     void SetProperties(uint32_t frameRate, uint32_t width, uint32_t height);
 
     bool IsSceneplanningMode() const { return sceneplanningMode_; }
-    void SetSceneplanningMode(bool on) { sceneplanningMode_ = on; }
+    void SetSceneplanningMode(bool on);
 
     CM_PaletteList& PaletteList() { return *paletteList_; }
     CPenStyleList& PenList() { return *penList_; }
@@ -122,6 +123,9 @@ private:
 
     void Purge();
     void ApplyCameraSize();
+    // Points the application's current cell at the current scene and the order of the
+    // mode, when this is the current set.
+    void PointCurrentCell() const;
 
     uint32_t nextSceneId_ = 1;
     std::map<uint32_t, SceneEntry> scenes_;

@@ -1,5 +1,6 @@
 #include "animationset/CSketchrunApp.h"
 
+#include "animationset/AS_CellIteratorObservable.h"
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CNewAnimationDlg.h"
 #include "animationset/CSketchrunDoc.h"
@@ -99,6 +100,10 @@ bool CSketchrunApp::InitInstance(const std::vector<std::string>& arguments, cons
             break;
         }
     }
+
+    // The application's current cell exists before any model does, first among the
+    // observers of every set's changes.
+    AS_CellIteratorObservable::Instance();
 
     // A pack that does not load leaves the program's own English texts, without a word.
     languageId_ = SelectLanguagePack(host_.UserDefaultLanguage());

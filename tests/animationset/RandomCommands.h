@@ -45,6 +45,11 @@ CDopeSheetObj& RandomScene(CAnimationSetObj& set, std::mt19937& random);
 
 // The commands on scenes and on the properties of the set.
 std::vector<RandomCommandKind> SceneCommandKinds();
+// The commands on cells.
+std::vector<RandomCommandKind> CellCommandKinds();
+// Gives every scene of the set a second drawing element with cells and a sound element, so
+// that cell selections span rows of several kinds.
+void AddCellElements(CAnimationSetObj& set);
 
 // A start for the walk: a new set with three more scenes, some hidden, renamed and
 // coloured, and a drawing that lives only in memory.

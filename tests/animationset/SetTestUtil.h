@@ -4,6 +4,7 @@
 // state as bytes, and an observer that writes down what it hears.
 
 #include "RegisterAll.h"
+#include "animationset/AS_CellIteratorObservable.h"
 #include "animationset/AS_DopeSheetNotifProxy.h"
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CDopeSheetObj.h"
@@ -114,10 +115,14 @@ private:
 // Registers the types, and leaves no process-wide state behind for the next test.
 class SetCommandTest : public ::testing::Test {
 protected:
-    void SetUp() override { RegisterAllTypesForTests(); }
+    void SetUp() override {
+        RegisterAllTypesForTests();
+        AS_DopeSheetNotifProxy::ResetPermanentObservers();
+        AS_CellIteratorObservable::ResetForTests();
+    }
     void TearDown() override {
+        CAnimationSetObj::SetCurrent(nullptr);
         AS_DopeSheetNotifProxy::ResetPermanentObservers();
         DC_Command::SetModeCommandTarget(nullptr);
-        CAnimationSetObj::SetCurrent(nullptr);
     }
 };

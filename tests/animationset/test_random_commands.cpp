@@ -8,6 +8,8 @@ namespace {
 // Every kind of command on a set that the walk knows.
 std::vector<RandomCommandKind> AllCommandKinds() {
     std::vector<RandomCommandKind> kinds = SceneCommandKinds();
+    for (RandomCommandKind& kind : CellCommandKinds())
+        kinds.push_back(std::move(kind));
     return kinds;
 }
 
@@ -16,6 +18,9 @@ class RandomCommandsTest : public SetCommandTest {};
 TEST_F(RandomCommandsTest, EveryStateComesBackThroughUndoAndRedo) {
     std::mt19937 random(20261124);
     std::unique_ptr<CAnimationSetObj> set = MakeRandomWalkSet(random);
+    AddCellElements(*set);
+    // The application's current cell follows the set, and the cell commands move it.
+    CAnimationSetObj::SetCurrent(set.get());
     const std::vector<RandomCommandKind> kinds = AllCommandKinds();
     const RandomWalkReport report = RunRandomWalk(*set, kinds, random, 3000);
     for (size_t i = 0; i < kinds.size(); ++i)
