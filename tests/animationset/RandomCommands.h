@@ -46,6 +46,9 @@ CDopeSheetObj& RandomScene(CAnimationSetObj& set, std::mt19937& random);
 // The commands on scenes and on the properties of the set.
 std::vector<RandomCommandKind> SceneCommandKinds();
 
+// The commands on the palettes of the set.
+std::vector<RandomCommandKind> PaletteCommandKinds();
+
 // A start for the walk: a new set with three more scenes, some hidden, renamed and
 // coloured, and a drawing that lives only in memory.
 std::unique_ptr<CAnimationSetObj> MakeRandomWalkSet(std::mt19937& random);
