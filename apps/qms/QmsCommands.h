@@ -26,3 +26,4 @@ int QmsRunPath(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunLipsync(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunGeom(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunImage(QmsContext& context, const std::vector<std::string>& words);
+int QmsRunPalette(QmsContext& context, const std::vector<std::string>& words);
