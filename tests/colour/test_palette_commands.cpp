@@ -6,7 +6,6 @@
 #include "colour/CM_EditEntryCommand.h"
 #include "colour/CM_MoveEntryCommand.h"
 #include "colour/CM_PaletteList.h"
-#include "colour/CM_RecoverColors.h"
 #include "colour/CM_RemoveEntryCommand.h"
 #include "colour/CM_RemovePaletteCommand.h"
 #include "colour/CM_RemoveStyleCommand.h"
@@ -257,39 +256,26 @@ TEST_F(PaletteCommands, UndoAndRedoGiveBackTheExactBytes) {
     }
 }
 
-TEST_F(PaletteCommands, WhatIsNotThereIsRefusedAndNothingChanges) {
+// Commands that cannot do what they hold fail before they change anything.
+TEST_F(PaletteCommands, RefusedCommandsChangeNothing) {
     Palettes t;
-    const UT_UniqueId unknown(123456789);
     const UT_UniqueId cheek = t.EntryId(t.skin, 0);
     auto wrongClass = std::make_unique<CM_Texture>(u"cheek", cheek);
     wrongClass->AppendStyleFrom(0);
-    auto oneStyleOnly = std::make_unique<CM_Color>(u"cheek", cheek);
-    auto usedId = std::make_unique<CM_Color>(u"twin", cheek);
     std::vector<std::pair<const char*, std::unique_ptr<UT_Command>>> commands;
-    commands.emplace_back("remove an unknown colour",
-                          std::make_unique<CM_RemoveEntryCommand>(t.list, unknown));
-    commands.emplace_back("rename an unknown colour",
-                          std::make_unique<CM_RenameEntryCommand>(t.list, unknown, u"x"));
     commands.emplace_back("drag past the end", std::make_unique<CM_MoveEntryCommand>(t.list, cheek, 4));
-    commands.emplace_back("add under an id in use", std::make_unique<CM_AddEntryCommand>(
-                                                        t.list, t.props->GetId(), 0, std::move(usedId)));
+    commands.emplace_back("add under an id in use",
+                          std::make_unique<CM_AddEntryCommand>(t.list, t.props->GetId(), 0,
+                                                               std::make_unique<CM_Color>(u"twin", cheek)));
     commands.emplace_back(
-        "add under the reserved id",
+        "add under a reserved id",
         std::make_unique<CM_AddEntryCommand>(t.list, t.props->GetId(), 0,
                                              std::make_unique<CM_Color>(u"x", kCM_EraserColorId)));
-    commands.emplace_back(
-        "add to an unknown palette",
-        std::make_unique<CM_AddEntryCommand>(t.list, unknown, 0, CM_Color::MakeSolid(u"x", {})));
     commands.emplace_back("edit a colour with texture values",
                           std::make_unique<CM_EditEntryCommand>(t.list, std::move(wrongClass)));
-    commands.emplace_back("edit with one style for two",
-                          std::make_unique<CM_EditEntryCommand>(t.list, std::move(oneStyleOnly)));
-    commands.emplace_back("remove an unknown palette",
-                          std::make_unique<CM_RemovePaletteCommand>(t.list, unknown));
-    commands.emplace_back("switch to a style that is not there",
-                          std::make_unique<CM_SwitchStyleCommand>(t.list, t.skin->GetId(), 2));
-    commands.emplace_back("rename a style that is not there",
-                          std::make_unique<CM_RenameStyleCommand>(t.list, t.skin->GetId(), 2, u"x"));
+    commands.emplace_back(
+        "edit with one style for two",
+        std::make_unique<CM_EditEntryCommand>(t.list, std::make_unique<CM_Color>(u"cheek", cheek)));
     commands.emplace_back("remove the only style",
                           std::make_unique<CM_RemoveStyleCommand>(t.list, t.props->GetId(), 0));
     commands.emplace_back(
@@ -303,19 +289,6 @@ TEST_F(PaletteCommands, WhatIsNotThereIsRefusedAndNothingChanges) {
     EXPECT_TRUE(t.recorder.heard.empty());
     EXPECT_TRUE(IdMapMatches(t.list));
     EXPECT_EQ(CM_EditEntryCommand::SolidColor(t.list, t.EntryId(t.skin, 2), {}), nullptr) << "a texture";
-    EXPECT_EQ(CM_AddPaletteCommand::Duplicate(t.list, unknown, u"x"), nullptr);
-    EXPECT_EQ(CM_TintCommand::Make(t.list, t.skin->GetId(), CM_Tint::Blend({}), 2, std::nullopt, u"x"),
-              nullptr);
-}
-
-TEST_F(PaletteCommands, ACommandThatGaveItsObjectAwayDoesNotRunTwice) {
-    Palettes t;
-    CM_AddEntryCommand add(t.list, t.props->GetId(), 0, CM_Color::MakeSolid(u"glass", {200, 230, 255, 90}));
-    const UT_UniqueId id = add.EntryId();
-    ASSERT_NE(add.Execute(), nullptr);
-    EXPECT_EQ(add.EntryId(), kCM_NoColorId);
-    EXPECT_EQ(add.Execute(), nullptr);
-    EXPECT_EQ(t.list.FindEntry(id).palette, t.props);
 }
 
 TEST_F(PaletteCommands, DuplicateTakesNewIdsAndStandsAfterItsSource) {
@@ -400,25 +373,6 @@ TEST_F(PaletteCommands, TheRecoveryPaletteKeepsItsRoleThroughUndo) {
     ASSERT_EQ(t.list.Recover(colours), 1u);
     EXPECT_EQ(t.list.GetPaletteCount(), 3u);
     EXPECT_EQ(t.list.FindEntry(UT_UniqueId(4343)).palette->GetId(), recovered);
-}
-
-TEST_F(PaletteCommands, RecoveryGoesOnTheHistoryAsACommand) {
-    CM_PaletteList list(true);
-    UT_CommandHistory history;
-    list.SetCommandSink([&history](std::unique_ptr<CM_RecoverColors> inverse, const UT_WString& name) {
-        history.Add(std::move(inverse), name);
-    });
-    list.AddDefaultPalette();
-    const std::vector<uint8_t> before = BytesOf(list);
-    auto copy = CM_Color::MakeSolid(u"Lost", {1, 2, 3, 255});
-    ASSERT_EQ(list.Recover({{copy->GetId(), copy.get()}}), 1u);
-    const std::vector<uint8_t> after = BytesOf(list);
-    ASSERT_EQ(history.UndoName(), u"Color Recovery");
-    history.Undo();
-    EXPECT_EQ(BytesOf(list), before);
-    history.Redo();
-    EXPECT_EQ(BytesOf(list), after);
-    EXPECT_EQ(list.Resolve(copy->GetId())->GetName(), u"Lost");
 }
 
 } // namespace
