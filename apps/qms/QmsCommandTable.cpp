@@ -34,6 +34,22 @@ const std::vector<QmsCommand>& QmsCommandTable() {
          "fit, intersect or flatten paths given as JSON points; draw them", QmsRunGeom},
         {"image", "qms image convert IN OUT [--json]",
          "read any image file and write it as TGA (our codec) or PNG, by OUT's extension", QmsRunImage},
+        {"palette",
+         "qms palette list PROJECT [PALETTE] | add PROJECT NAME [--flavour NAME] [--at POSITION] | "
+         "add-colour "
+         "PROJECT PALETTE NAME #RRGGBB[AA] [--at POSITION] | set PROJECT COLOUR #RRGGBB[AA] | rename PROJECT "
+         "ID "
+         "NAME | remove PROJECT ID | duplicate PROJECT PALETTE [NAME] | move PROJECT COLOUR POSITION | "
+         "flavour "
+         "PROJECT PALETTE FLAVOUR | rename-flavour PROJECT PALETTE FLAVOUR NAME | remove-flavour PROJECT "
+         "PALETTE "
+         "FLAVOUR | tint PROJECT PALETTE (--rgb R,G,B | --hsv H,S,V | --blend #RRGGBB[AA]) [--alpha A] "
+         "[--amount "
+         "PERCENT] [--from FLAVOUR] [--into NAME] [--json]",
+         "list the palettes of an animation set with their flavours (styles) and colours, or change them "
+         "with "
+         "undoable commands and save",
+         QmsRunPalette},
     };
     return table;
 }

@@ -28,3 +28,4 @@ int QmsRunGeom(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunImage(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunCells(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunPlay(QmsContext& context, const std::vector<std::string>& words);
+int QmsRunPalette(QmsContext& context, const std::vector<std::string>& words);

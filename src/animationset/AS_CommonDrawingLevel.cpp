@@ -25,6 +25,9 @@ void AS_CommonDrawingLevel::Read(DB_Archive& archive) {
     }
     for (auto& [key, entry] : drawings_)
         entry->SetCreator(this);
+    // A damaged counter would hand out the id of a drawing that exists and overwrite it.
+    if (!drawings_.empty() && drawings_.rbegin()->first != AS_kInvalidId)
+        nextDrawingId_ = std::max(nextDrawingId_, drawings_.rbegin()->first + 1);
 }
 
 void AS_CommonDrawingLevel::Write(DB_Archive& archive) {
@@ -117,6 +120,10 @@ AS_DopeSheetDrawingObj* AS_CommonDrawingLevel::AddDrawingWithId(uint32_t id, con
     entry->SetCreator(this);
     AS_DopeSheetDrawingObj* raw = entry.get();
     drawings_[id] = std::move(entry);
+    // The counter always stays above every id in the table, so that a new drawing can
+    // never take the place of one that exists, whatever order entries arrive in.
+    if (id != AS_kInvalidId && id >= nextDrawingId_)
+        nextDrawingId_ = id + 1;
     return raw;
 }
 

@@ -40,6 +40,7 @@ public:
     AS_DopeSheetDrawingObj* FindDrawingByName(const UT_WString& name) const;
     // Takes the next drawing id and makes an entry without data.
     uint32_t AddDrawing(const UT_WString& name);
+    // Enters a drawing under a known id (reading, undo); the counter moves past it.
     AS_DopeSheetDrawingObj* AddDrawingWithId(uint32_t id, const UT_WString& name);
     void RemoveDrawing(uint32_t id);
     // The folder of the files: the scene folder and the element sort's subfolder; with a

@@ -378,6 +378,8 @@ std::unique_ptr<UT_Command> DC_UnRemoveDrawingCommand::Execute() {
     for (uint32_t id : drawingIds_)
         if (common->FindDrawing(id))
             return nullptr;
+    // Taken before the entries go back, since entering them moves the counter past them.
+    const uint32_t counterBefore = nextDrawingId_ != AS_kInvalidId ? common->NextDrawingId() : AS_kInvalidId;
 
     snapshot_.Rewind();
     {
@@ -400,11 +402,8 @@ std::unique_ptr<UT_Command> DC_UnRemoveDrawingCommand::Execute() {
     for (const Cell& cell : cells_)
         if (auto* holder = dynamic_cast<AS_DrawingLevelObj*>(scene->FindElement(cell.element)))
             holder->SetCell(cell.drawing, cell.frame);
-    uint32_t counterBefore = AS_kInvalidId;
-    if (nextDrawingId_ != AS_kInvalidId) {
-        counterBefore = common->NextDrawingId();
+    if (nextDrawingId_ != AS_kInvalidId)
         common->SetNextDrawingId(nextDrawingId_);
-    }
     AS_DopeSheetUpdateData data(AS_DopeSheetCategory::kExposure, kCellsChanged, scene);
     data.element = level;
     data.elements = {elementId_};

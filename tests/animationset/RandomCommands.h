@@ -51,6 +51,9 @@ std::vector<RandomCommandKind> CellCommandKinds();
 // that cell selections span rows of several kinds.
 void AddCellElements(CAnimationSetObj& set);
 
+// The commands on the palettes of the set.
+std::vector<RandomCommandKind> PaletteCommandKinds();
+
 // A start for the walk: a new set with three more scenes, some hidden, renamed and
 // coloured, and a drawing that lives only in memory.
 std::unique_ptr<CAnimationSetObj> MakeRandomWalkSet(std::mt19937& random);

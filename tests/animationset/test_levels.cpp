@@ -114,6 +114,22 @@ TEST_F(LevelsTest, DrawingElementBodyAndRoundTrip) {
     EXPECT_EQ(Typed(*read), bytes);
 }
 
+// A new drawing must never take the id of one that exists: entries made under a known id
+// (undo, older files) and a damaged counter in a file both move the counter past them.
+TEST_F(LevelsTest, DrawingCounterStaysAboveEveryId) {
+    auto level = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
+    AS_CommonDrawingLevel& common = *level->CommonDrawing();
+    common.AddDrawingWithId(1005, u"5");
+    EXPECT_EQ(common.AddDrawing(u"6"), 1006u);
+
+    common.SetNextDrawingId(1001);
+    auto read = ReadBack<AS_VectorGraphicLevelObj>(Typed(*level));
+    AS_CommonDrawingLevel& readCommon = *read->CommonDrawing();
+    EXPECT_EQ(readCommon.AddDrawing(u"7"), 1007u);
+    EXPECT_EQ(readCommon.FindDrawing(1005)->GetName(), u"5");
+    EXPECT_EQ(readCommon.FindDrawing(1006)->GetName(), u"6");
+}
+
 TEST_F(LevelsTest, PlacementBlockIs81Bytes) {
     AS_Placement placement;
     DB_MemFile file;
