@@ -2,12 +2,14 @@
 
 #include "core/CPersistentType.h"
 #include "core/DB_Exception.h"
+#include "core/DB_File.h"
 #include "core/DB_FileContainer.h"
 #include "core/DB_MemFile.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace fs = std::filesystem;
 
@@ -151,6 +153,45 @@ TEST_F(ContainerTest, LoadFailuresGiveTheSystemsMessages) {
 TEST_F(ContainerTest, WritingIntoAMissingFolderFails) {
     Body body;
     EXPECT_THROW(DB_FileContainer::SaveBare(UT_FilePath(dir_ / "no" / "such.qmp"), body, 0), DB_Exception);
+}
+
+// Reads of every size, across the boundaries of the file's read buffer, give the bytes
+// that were written; a read past the end fails only once the bytes run out.
+TEST_F(ContainerTest, FileReadsAcrossItsBufferGiveEveryByte) {
+    std::mt19937 rng(5);
+    std::vector<uint8_t> bytes(300000);
+    for (uint8_t& b : bytes)
+        b = static_cast<uint8_t>(rng());
+    const fs::path path = File(bytes);
+
+    DB_File file;
+    ASSERT_TRUE(file.Open(UT_FilePath(path), DB_File::Mode::Read));
+    std::vector<uint8_t> back(bytes.size());
+    size_t at = 0;
+    while (at < bytes.size()) {
+        // Mostly small reads, now and then one longer than the buffer.
+        size_t count = rng() % 10 == 0 ? 70000 + rng() % 70000 : 1 + rng() % 9;
+        count = std::min(count, bytes.size() - at);
+        file.Read(back.data() + at, count);
+        at += count;
+        EXPECT_EQ(file.BytesLeft(), bytes.size() - at);
+    }
+    EXPECT_EQ(back, bytes);
+    uint8_t one = 0;
+    EXPECT_THROW(file.Read(&one, 1), DB_Exception);
+
+    // Rewound, the same bytes again; a read that runs over the end names the cause.
+    file.Rewind();
+    std::vector<uint8_t> head(65537);
+    file.Read(head.data(), head.size());
+    EXPECT_TRUE(std::equal(head.begin(), head.end(), bytes.begin()));
+    std::vector<uint8_t> rest(bytes.size() - head.size() + 1);
+    try {
+        file.Read(rest.data(), rest.size());
+        ADD_FAILURE() << "read past the end";
+    } catch (const DB_Exception& e) {
+        EXPECT_EQ(e.Message(), u"Reading past end of file");
+    }
 }
 
 } // namespace
