@@ -5,9 +5,13 @@
 #include "ByteBuilder.h"
 #include "FakeHosts.h"
 #include "RegisterAll.h"
+#include "animationset/AS_DrawingLevelObj.h"
+#include "animationset/CAnimationSetObj.h"
+#include "animationset/CDopeSheetObj.h"
 #include "animationset/CSketchrunApp.h"
 #include "animationset/CSketchrunDoc.h"
 #include "core/PR_Preferences.h"
+#include "core/PR_UserColorSettings.h"
 #include "core/UT_SettingsStore.h"
 #include "core/UT_UniqueId.h"
 
@@ -319,6 +323,167 @@ TEST_F(ProjectFileTest, NewSetIsWrittenExactlyAsTheFormatSays) {
     std::vector<uint8_t> again = written;
     again[nextId] = 0xD5; // 2005 = 0x7D5
     EXPECT_TRUE(SameBytes(again, ReadFile(project)));
+}
+
+// A wide string of the earlier format: a byte count, then the bytes (UTF-8 at version 31,
+// one byte per character at 30 and 40).
+void OldWide(ByteBuilder& b, std::string_view bytes) {
+    b.U32(static_cast<uint32_t>(bytes.size()));
+    for (char c : bytes)
+        b.U8(static_cast<uint8_t>(c));
+}
+
+// A project of the earlier format, laid out by hand: one scene with one drawing element
+// "Arm" + e-acute, whose one drawing "1" has a file; no palettes, pens or colours.
+std::vector<uint8_t> OldProjectBytes(int version) {
+    const std::string_view arm = version == 31 ? "Arm\xC3\xA9" : "Arm\xE9";
+    ByteBuilder b;
+    b.Narrow("QuilmoorTechnologiesInc ").Narrow(std::to_string(version)).U32(0); // magic, version, kind
+    if (version > 31)
+        b.U8(0);                     // header flag
+    b.U32(2);                        // next scene id
+    b.U16(120).U32(0);               // palette list: no palettes
+    b.U32(0);                        // media objects
+    b.U32(1);                        // scene count
+    b.U16(2);                        // scene
+    b.U32(1);                        // element count
+    b.U16(3);                        // drawing element
+    b.U32(2001);                     // element id
+    OldWide(b, "n");                 // note
+    b.U32(0);                        // clone number
+    b.U16(1).U16(6);                 // shared reference: a new common half of a drawing element
+    OldWide(b, arm);                 // common: name
+    b.U32(0);                        // common: last clone number
+    b.U32(version > 31 ? 2001 : 77); // common id; before 32 a word that is dropped
+    b.U32(1002);                     // next drawing id
+    b.U32(1);                        // drawing count
+    b.U32(1001);                     // key
+    if (version < 32)
+        OldWide(b, "dropped"); // a string ahead of the name
+    OldWide(b, "1");           // drawing name
+    b.U32(1001);               // drawing id
+    b.Bool(false);             // locked
+    b.Bool(true);              // has file
+    const auto placement = [&] {
+        for (int i = 0; i < 12; ++i)
+            b.F32(0); // offset, pivots, fourth point
+        b.U32(1).F64(0).F64(1).F64(1).U32(0).Bool(false);
+    };
+    const auto cells = [&] {
+        b.U32(1);       // cell count
+        b.U32(1001);    // drawing id
+        OldWide(b, ""); // cell note
+    };
+    if (version > 31) {
+        placement();
+        cells();
+    } else {
+        cells();
+        b.U32(5); // a word that is dropped
+        placement();
+    }
+    b.U32(1);              // scene id
+    OldWide(b, "Scene-1"); // scene name
+    if (version >= 38)
+        b.U8(1).U8(3).U8(2).U8(4); // background colour bytes 0, 2, 1, 3
+    b.Bool(true);                  // visible
+    b.U32(2);                      // composition orders
+    for (uint16_t order : {5, 4})
+        b.U16(order).U32(1).U32(2001).Bool(true).U32(1).Bool(false).Bool(true);
+    b.U32(2001);              // next element id
+    b.U32(0xFFFFFFFF);        // current camera: none
+    b.U32(1).U32(1);          // sequence
+    b.U16(201).U32(0);        // pen list: no pens
+    b.U16(400).U32(0).U32(0); // user colours: no entries
+    if (version > 31)
+        b.Bool(false).Bool(true).Bool(false).Bool(true); // the sheet's flags
+    b.U32(24).U32(480).U32(640);                         // frame rate, camera height, camera width
+    return b.Bytes();
+}
+
+void WriteFile(const fs::path& path, const std::vector<uint8_t>& bytes) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+TEST_F(ProjectFileTest, EarlierVersionsAreReadAndRewrittenAs51) {
+    for (int version : {30, 31, 40}) {
+        SCOPED_TRACE(version);
+        const fs::path root = folder.Path() / ("Old" + std::to_string(version));
+        const fs::path project = root / "Old.qmp";
+        const fs::path drawing = root / "Scene-001" / "Drawing" / "Arm\xC3\xA9-1.qmd";
+        WriteFile(project, OldProjectBytes(version));
+        ByteBuilder drawingFile;
+        drawingFile.Narrow("QuilmoorTechnologiesInc ").Narrow(std::to_string(version)).U32(1);
+        if (version > 31)
+            drawingFile.U8(0);
+        drawingFile.U16(202).U32(0);
+        WriteFile(drawing, drawingFile.Bytes());
+        const auto past = fs::file_time_type::clock::now() - std::chrono::hours(24);
+        fs::last_write_time(drawing, past);
+
+        CSketchrunDoc document(host);
+        ASSERT_TRUE(document.OpenPath(UT_FilePath(project)));
+        CAnimationSetObj* set = document.Set();
+        EXPECT_EQ(set->Version(), version);
+        EXPECT_TRUE(set->IsDirty()); // so that the conversion question comes
+        EXPECT_EQ(set->FrameRate(), 24u);
+        CDopeSheetObj* scene = set->FindScene(1);
+        ASSERT_NE(scene, nullptr);
+        EXPECT_EQ(scene->Name(), u"Scene-1");
+        EXPECT_EQ(scene->BackgroundColour(), version >= 38 ? (std::array<uint8_t, 4>{1, 2, 3, 4})
+                                                           : (std::array<uint8_t, 4>{255, 255, 255, 255}));
+        auto* level = dynamic_cast<AS_VectorGraphicLevelObj*>(scene->FindElement(2001));
+        ASSERT_NE(level, nullptr);
+        EXPECT_EQ(level->GetName(), u"Arm\u00e9");
+        EXPECT_EQ(level->GetNote(), u"n");
+        EXPECT_EQ(level->GetCommonId(), 2001u); // rebuilt from the level's id before 32
+        EXPECT_EQ(level->Cells(), (std::vector<AS_CellRecord>{{1001, u""}}));
+        EXPECT_EQ(level->CommonDrawing()->FindDrawing(1001)->GetName(), u"1");
+        const PR_UserColorSettings& colours = set->UserColors();
+        EXPECT_EQ(colours.GetFlag(PR_UserColorSettings::kShowElementName), version <= 31);
+        EXPECT_EQ(colours.GetFlag(PR_UserColorSettings::kShowThumbnails), version > 31);
+
+        // No to the conversion: the save fails and touches nothing.
+        const auto before = ReadFile(project);
+        messages.questions.clear();
+        messages.answers = {UT_MessageHandler::kNo};
+        EXPECT_FALSE(document.Save());
+        ASSERT_EQ(messages.questions.size(), 1u);
+        EXPECT_EQ(
+            messages.questions[0],
+            u"Saving the animation will convert it to Quilmoor Studio V2.0 format.\nOnce converted, you will "
+            u"not be able to open this animation in V1.0.\nDo you want to continue?");
+        EXPECT_EQ(ReadFile(project), before);
+        EXPECT_EQ(fs::last_write_time(drawing), past);
+        EXPECT_TRUE(document.IsModified());
+
+        // Yes: the project is written as 51, and the drawing file is written again too.
+        messages.answers = {UT_MessageHandler::kYes};
+        ASSERT_TRUE(document.Save());
+        EXPECT_FALSE(document.IsModified());
+        EXPECT_EQ(set->Version(), 51);
+        const std::vector<uint8_t> converted = ReadFile(project);
+        const std::vector<uint8_t> header = ByteBuilder().Header(0).Bytes();
+        ASSERT_GT(converted.size(), header.size());
+        EXPECT_TRUE(std::equal(header.begin(), header.end(), converted.begin()));
+        EXPECT_GT(fs::last_write_time(drawing), past);
+        EXPECT_FALSE(level->CommonDrawing()->FindDrawing(1001)->HasDrawing()); // let go after the write
+        for (const auto& entry : fs::recursive_directory_iterator(root))
+            EXPECT_EQ(entry.path().string().find(".new"), std::string::npos) << entry.path();
+
+        // Opened again: the current version, clean, with the same content; no question.
+        CSketchrunDoc again(host);
+        ASSERT_TRUE(again.OpenPath(UT_FilePath(project)));
+        EXPECT_EQ(again.Set()->Version(), 51);
+        EXPECT_FALSE(again.IsModified());
+        auto* reread = dynamic_cast<AS_VectorGraphicLevelObj*>(again.Set()->FindScene(1)->FindElement(2001));
+        ASSERT_NE(reread, nullptr);
+        EXPECT_EQ(reread->GetName(), u"Arm\u00e9");
+        EXPECT_EQ(reread->Cells(), level->Cells());
+        EXPECT_TRUE(reread->CommonDrawing()->FindDrawing(1001)->HasFile());
+    }
 }
 
 } // namespace
