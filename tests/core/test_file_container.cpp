@@ -22,11 +22,14 @@ public:
     void Write(DB_Archive& a) override { a.WriteU32(value); }
 };
 
+class OtherBody : public Body {};
+
 class ContainerTest : public ::testing::Test {
 protected:
     void SetUp() override {
         CoreRegisterTypes();
         CPersistentTypeRegistry::Instance().Register<Body>(9100, "TestBody");
+        CPersistentTypeRegistry::Instance().Register<OtherBody>(9101, "OtherTestBody");
         dir_ = fs::temp_directory_path() / ("qms-container-" + std::to_string(::getpid()));
         fs::create_directories(dir_);
     }
@@ -148,6 +151,35 @@ TEST_F(ContainerTest, LoadFailuresGiveTheSystemsMessages) {
     const fs::path folder = dir_ / "folder.qmp";
     fs::create_directories(folder);
     EXPECT_EQ(LoadError(folder), invalid(folder));
+}
+
+TEST_F(ContainerTest, CatalogHeaderTypeMismatchAndFullDisk) {
+    Body body;
+    body.value = 5;
+    const fs::path catalog = dir_ / "lib.qmc";
+    DB_FileContainer::SaveNew(UT_FilePath(catalog), body, DB_FileContainer::kCatalog);
+    std::vector<uint8_t> expected = Header("51", 3, true);
+    expected.insert(expected.end(), {0x8C, 0x23, 5, 0, 0, 0});
+    EXPECT_EQ(Read(catalog), expected);
+
+    // The file holds a Body; reading it as another class names the file.
+    OtherBody other;
+    try {
+        DB_FileContainer::LoadTyped(UT_FilePath(catalog), other, DB_FileContainer::kCatalog);
+        ADD_FAILURE() << "read as another class";
+    } catch (const DB_Exception& e) {
+        EXPECT_EQ(e.Message(), u"Unexpected data found while reading " + UT_FromUtf8(catalog.string()));
+    }
+
+    // A disk that takes no byte: the buffered data fails when it is flushed.
+    if (!fs::exists("/dev/full"))
+        GTEST_SKIP() << "no /dev/full";
+    try {
+        DB_FileContainer::SaveBare(UT_FilePath("/dev/full"), body, DB_FileContainer::kProject);
+        ADD_FAILURE() << "wrote to a full disk";
+    } catch (const DB_Exception& e) {
+        EXPECT_EQ(e.Message(), u"Unable to write to file");
+    }
 }
 
 TEST_F(ContainerTest, WritingIntoAMissingFolderFails) {
