@@ -29,7 +29,7 @@ protected:
     void SetUp() override {
         CoreRegisterTypes();
         CPersistentTypeRegistry::Instance().Register<Body>(9100, "TestBody");
-        CPersistentTypeRegistry::Instance().Register<OtherBody>(9101, "OtherTestBody");
+        CPersistentTypeRegistry::Instance().Register<OtherBody>(9102, "OtherTestBody");
         dir_ = fs::temp_directory_path() / ("qms-container-" + std::to_string(::getpid()));
         fs::create_directories(dir_);
     }
