@@ -75,8 +75,8 @@ private:
                     Fail("duplicate member \"" + name + "\"");
                 }
                 Expect(':');
-                QmsJsonValue member = Value(depth + 1);
-                v.members.emplace_back(std::move(name), std::move(member));
+                v.values.push_back(Value(depth + 1));
+                v.names.push_back(std::move(name));
             } while (Take(','));
             Expect('}');
         } else if (c == '[') {
@@ -261,9 +261,9 @@ QmsJsonValue QmsJsonValue::Parse(std::string_view text) {
 }
 
 const QmsJsonValue* QmsJsonValue::Find(std::string_view name) const {
-    for (const auto& [key, value] : members)
-        if (key == name)
-            return &value;
+    for (size_t i = 0; i < names.size(); ++i)
+        if (names[i] == name)
+            return &values[i];
     return nullptr;
 }
 

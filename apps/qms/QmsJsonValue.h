@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 // A JSON document as the commands read it from their input (curve descriptions, point
@@ -18,8 +17,9 @@ struct QmsJsonValue {
     // A string's value, in UTF-8.
     std::string text;
     std::vector<QmsJsonValue> items;
-    // An object's members in the order of the text.
-    std::vector<std::pair<std::string, QmsJsonValue>> members;
+    // An object's members in the order of the text: names[i] names values[i].
+    std::vector<std::string> names;
+    std::vector<QmsJsonValue> values;
 
     static QmsJsonValue Parse(std::string_view text);
 

@@ -26,9 +26,10 @@ TEST(QmsJson, ReadsEveryKindOfValue) {
         "  \"none\": null, \"name\": \"A\\\"b\\\\c\\/\\n\\t\\u00e9\\ud83d\\ude00\", \"empty\": {}, \"list\": "
         "[]}\t");
     ASSERT_EQ(doc.type, Type::Object);
-    ASSERT_EQ(doc.members.size(), 7u);
-    EXPECT_EQ(doc.members[0].first, "keys"); // in the order of the text
-    EXPECT_EQ(doc.members[6].first, "list");
+    ASSERT_EQ(doc.names.size(), 7u);
+    ASSERT_EQ(doc.values.size(), 7u);
+    EXPECT_EQ(doc.names[0], "keys"); // in the order of the text
+    EXPECT_EQ(doc.names[6], "list");
     const QmsJsonValue* keys = doc.Find("keys");
     ASSERT_NE(keys, nullptr);
     ASSERT_EQ(keys->items.size(), 2u);
