@@ -55,6 +55,8 @@ void CDopeSheetObj::InitialiseDefaultElements(uint32_t cameraWidth, uint32_t cam
     currentCamera_ = camera;
     const uint32_t pegId = NewElementId();
     AddElement(AS_PegLevelObj::Create(pegId, UniqueName(u"Peg"), 20));
+    // Like every new peg, it takes no part in the scene's frame range until enabled.
+    sceneplanningOrder_->SetEnabled(sceneplanningOrder_->FindRow(pegId), false);
     for (const LevelEntry& entry : levels_)
         if (!entry.removed && entry.level->GetKind() == kLevelVectorDrawing)
             return;

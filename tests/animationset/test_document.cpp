@@ -1,8 +1,11 @@
 // The document's Save, Save As and Open flows on real folders, with failures injected
 // through the file operations.
 
+#include "ByteBuilder.h"
 #include "FakeHosts.h"
 #include "RegisterAll.h"
+#include "animationset/AS_CommonDrawingLevel.h"
+#include "animationset/AS_DrawingLevelObj.h"
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/CSketchrunDoc.h"
@@ -216,6 +219,55 @@ TEST_F(DocumentTest, OpenTakesTheNameFromTheFileAndRejectsDamage) {
     ASSERT_EQ(messages.messages.size(), 1u);
     EXPECT_EQ(messages.messages[0].text, UT_FromUtf8((folder.Path() / "Reel" / "Kind.qmp").string()) +
                                              u"  is not a valid Quilmoor Studio file.");
+}
+
+TEST_F(DocumentTest, OpeningReadsNoDrawingFileAndSavingWritesOnlyChangedOnes) {
+    auto document = MakeProjectWithPendingChanges();
+    auto* level = static_cast<AS_VectorGraphicLevelObj*>(document->Set()->FindScene(1)->FindElement(2004));
+    ASSERT_NE(level, nullptr);
+    for (const char16_t* name : {u"1", u"2"}) {
+        auto data = std::make_unique<AS_DrawingData>();
+        data->bytes = ByteBuilder().Header(1).U16(600).U32(1).U8(uint8_t(name[0])).Bytes();
+        data->modified = true;
+        level->CommonDrawing()
+            ->FindDrawing(level->CommonDrawing()->AddDrawing(name))
+            ->SetDrawing(std::move(data));
+    }
+    ASSERT_TRUE(document->Save());
+    const fs::path drawings = folder.Path() / "Reel" / "Scene-001" / "Drawing";
+    ASSERT_TRUE(fs::is_regular_file(drawings / "Drawing-1.qmd"));
+    ASSERT_TRUE(fs::is_regular_file(drawings / "Drawing-2.qmd"));
+
+    // With the drawing files gone, the project still opens cleanly: nothing reads them
+    // until a drawing is wanted, and only then is the loss reported.
+    fs::remove(drawings / "Drawing-1.qmd");
+    const std::string second = [&] {
+        std::ifstream in(drawings / "Drawing-2.qmd", std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    }();
+    fs::remove(drawings / "Drawing-2.qmd");
+    messages.messages.clear();
+    CSketchrunDoc reopened(host);
+    ASSERT_TRUE(reopened.OpenPath(UT_FilePath(folder.Path() / "Reel" / "Reel.qmp")));
+    EXPECT_TRUE(messages.messages.empty());
+    auto* opened = static_cast<AS_VectorGraphicLevelObj*>(reopened.Set()->FindScene(1)->FindElement(2004));
+    ASSERT_NE(opened, nullptr);
+    AS_DopeSheetDrawingObj* one = opened->CommonDrawing()->FindDrawing(1001);
+    AS_DopeSheetDrawingObj* two = opened->CommonDrawing()->FindDrawing(1002);
+    ASSERT_NE(one, nullptr);
+    ASSERT_NE(two, nullptr);
+    EXPECT_TRUE(one->HasFile() && two->HasFile());
+    EXPECT_FALSE(one->HasDrawing() || two->HasDrawing());
+
+    // The second drawing comes back and is used; a forced save rewrites the project but
+    // neither drawing: one was never loaded, the other is unchanged.
+    std::ofstream(drawings / "Drawing-2.qmd", std::ios::binary) << second;
+    ASSERT_NE(two->GetDrawing(), nullptr);
+    const auto stamp = fs::last_write_time(drawings / "Drawing-2.qmd");
+    ASSERT_TRUE(reopened.Save(false, true));
+    EXPECT_FALSE(fs::exists(drawings / "Drawing-1.qmd"));
+    EXPECT_EQ(fs::last_write_time(drawings / "Drawing-2.qmd"), stamp);
+    EXPECT_TRUE(messages.messages.empty());
 }
 
 } // namespace
