@@ -45,6 +45,8 @@ CDopeSheetObj& RandomScene(CAnimationSetObj& set, std::mt19937& random);
 
 // The commands on scenes and on the properties of the set.
 std::vector<RandomCommandKind> SceneCommandKinds();
+// The commands on elements, their fields and their rows in the composition orders.
+std::vector<RandomCommandKind> ElementCommandKinds();
 
 // A start for the walk: a new set with three more scenes, some hidden, renamed and
 // coloured, and a drawing that lives only in memory.

@@ -8,6 +8,8 @@ namespace {
 // Every kind of command on a set that the walk knows.
 std::vector<RandomCommandKind> AllCommandKinds() {
     std::vector<RandomCommandKind> kinds = SceneCommandKinds();
+    for (RandomCommandKind& kind : ElementCommandKinds())
+        kinds.push_back(std::move(kind));
     return kinds;
 }
 
