@@ -235,13 +235,31 @@ AS_DopeSheetLevelObj* CDopeSheetObj::AddElement(std::unique_ptr<AS_DopeSheetLeve
         levels_.insert(at, LevelEntry{std::move(element), false, false});
     }
     levelMap_[id] = raw;
+    EnterInOrders(*raw);
+    return raw;
+}
+
+AS_DopeSheetLevelObj* CDopeSheetObj::RestoreRemovedElement(uint32_t id) {
+    for (LevelEntry& entry : levels_) {
+        if (entry.level->GetId() != id || !entry.removed)
+            continue;
+        entry.removed = false;
+        entry.eraseFiles = false;
+        GiveElementContext(*entry.level);
+        EnterInOrders(*entry.level);
+        return entry.level.get();
+    }
+    return nullptr;
+}
+
+void CDopeSheetObj::EnterInOrders(const AS_DopeSheetLevelObj& element) {
+    const uint32_t id = element.GetId();
     for (const auto& order : orders_)
         if (order->FindRow(id) < 0)
             order->AddLevel(id, true);
-    if (raw->GetKind() == kLevelParamGroup)
+    if (element.GetKind() == kLevelParamGroup)
         sceneplanningOrder_->SetShownWithChildren(sceneplanningOrder_->FindRow(id), false);
     MarkDirty();
-    return raw;
 }
 
 void CDopeSheetObj::RemoveElement(uint32_t id, bool eraseFiles) {

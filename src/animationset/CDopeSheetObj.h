@@ -92,6 +92,9 @@ public:
     // at the end. Both orders learn of it.
     AS_DopeSheetLevelObj* AddElement(std::unique_ptr<AS_DopeSheetLevelObj> element,
                                      size_t livePosition = SIZE_MAX);
+    // The element of a removed entry that no save purged yet comes back as it is; null
+    // when there is no such entry.
+    AS_DopeSheetLevelObj* RestoreRemovedElement(uint32_t id);
     void RemoveElement(uint32_t id, bool eraseFiles);
     // Position among the elements that are not removed, or -1.
     int LivePosition(uint32_t id) const;
@@ -113,6 +116,8 @@ public:
 
 private:
     void MakeOrders();
+    // Rows for a new or returning element in the orders that take it.
+    void EnterInOrders(const AS_DopeSheetLevelObj& element);
     void GiveElementContext(AS_DopeSheetLevelObj& element);
 
     std::vector<LevelEntry> levels_;

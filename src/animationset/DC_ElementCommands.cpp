@@ -76,6 +76,8 @@ std::unique_ptr<UT_Command> DC_CreateLevelCommand::Execute() {
         return nullptr;
     }
     created_.clear();
+    std::vector<AS_CompositionRow> drawingRows = scene->DrawingOrder().Rows();
+    std::vector<AS_CompositionRow> sceneplanningRows = scene->SceneplanningOrder().Rows();
     for (uint32_t i = 0; i < count_; ++i) {
         const UT_WString name = scene->UniqueName(baseName_);
         const uint32_t id = scene->NewElementId();
@@ -106,7 +108,8 @@ std::unique_ptr<UT_Command> DC_CreateLevelCommand::Execute() {
         created_.push_back(id);
     }
     Send(ElementRecord(kElementsCreated, scene, created_));
-    return std::make_unique<DC_RemoveLevelCommand>(*this, sceneId_, created_);
+    return std::make_unique<DC_RemoveLevelCommand>(*this, sceneId_, created_, std::move(drawingRows),
+                                                   std::move(sceneplanningRows));
 }
 
 // Removing.
@@ -118,6 +121,13 @@ DC_RemoveLevelCommand::DC_RemoveLevelCommand(CAnimationSetObj& set, uint32_t sce
 DC_RemoveLevelCommand::DC_RemoveLevelCommand(const DC_Command& origin, uint32_t sceneId,
                                              std::vector<uint32_t> elementIds)
     : DC_Command(origin), sceneId_(sceneId), elementIds_(std::move(elementIds)) {}
+
+DC_RemoveLevelCommand::DC_RemoveLevelCommand(const DC_Command& origin, uint32_t sceneId,
+                                             std::vector<uint32_t> elementIds,
+                                             std::vector<AS_CompositionRow> drawingRows,
+                                             std::vector<AS_CompositionRow> sceneplanningRows)
+    : DC_Command(origin), sceneId_(sceneId), elementIds_(std::move(elementIds)),
+      rowsAfter_(Rows{std::move(drawingRows), std::move(sceneplanningRows)}) {}
 
 std::unique_ptr<UT_Command> DC_RemoveLevelCommand::Execute() {
     CDopeSheetObj* scene = AnimationSet().FindScene(sceneId_);
@@ -147,6 +157,10 @@ std::unique_ptr<UT_Command> DC_RemoveLevelCommand::Execute() {
     Send(ElementRecord(kElementsAboutToBeRemoved, scene, commons));
     for (uint32_t id : elementIds_)
         scene->RemoveElement(id, true);
+    if (rowsAfter_) {
+        scene->DrawingOrder().SetRows(rowsAfter_->drawing);
+        scene->SceneplanningOrder().SetRows(rowsAfter_->sceneplanning);
+    }
     AS_DopeSheetUpdateData removed(AS_DopeSheetCategory::kElement, kElementRemoved, scene);
     removed.elements = elementIds_;
     Send(removed);
@@ -188,8 +202,13 @@ std::unique_ptr<UT_Command> DC_AddLevelCommand::Execute() {
         if (PresentElement(*scene, id))
             return nullptr;
 
+    // Elements whose removal no save purged yet come back as they are, with no file
+    // work; the others come from the snapshot, which is read before anything changes.
+    std::vector<bool> waiting;
+    for (uint32_t id : elementIds_)
+        waiting.push_back(scene->FindElement(id) != nullptr);
     std::vector<std::unique_ptr<AS_DopeSheetLevelObj>> levels;
-    {
+    if (std::find(waiting.begin(), waiting.end(), false) != waiting.end()) {
         snapshot_.Rewind();
         DB_Archive archive(&snapshot_, true);
         archive.SetContext(&set.PaletteList());
@@ -200,7 +219,12 @@ std::unique_ptr<UT_Command> DC_AddLevelCommand::Execute() {
         }
         snapshot_.Rewind();
     }
+    for (size_t i = 0; i < elementIds_.size(); ++i)
+        if (waiting[i])
+            scene->RestoreRemovedElement(elementIds_[i]);
     for (size_t i = 0; i < levels.size(); ++i) {
+        if (waiting[i])
+            continue;
         // Clones still in the scene hold the common half as it stands now.
         if (auto* clonable = dynamic_cast<AS_ClonableLevel*>(levels[i].get()))
             for (const CDopeSheetObj::LevelEntry& entry : scene->Levels()) {
@@ -236,9 +260,12 @@ std::unique_ptr<UT_Command> DC_CloneLevelCommand::Execute() {
     std::unique_ptr<AS_DopeSheetLevelObj> clone = level->Clone(cloneId_, true);
     if (!clone)
         return nullptr;
+    std::vector<AS_CompositionRow> drawingRows = scene->DrawingOrder().Rows();
+    std::vector<AS_CompositionRow> sceneplanningRows = scene->SceneplanningOrder().Rows();
     scene->AddElement(std::move(clone));
     Send(ElementRecord(kElementsAdded, scene, {cloneId_}));
-    return std::make_unique<DC_RemoveLevelCommand>(*this, sceneId_, std::vector<uint32_t>{cloneId_});
+    return std::make_unique<DC_RemoveLevelCommand>(*this, sceneId_, std::vector<uint32_t>{cloneId_},
+                                                   std::move(drawingRows), std::move(sceneplanningRows));
 }
 
 // Renaming.

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "animationset/AS_CompositionOrder.h"
 #include "animationset/DC_Command.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 // Removes elements from a scene. They stay in the scene, marked removed, until the next
@@ -17,6 +19,12 @@ public:
     DC_RemoveLevelCommand(CAnimationSetObj& set, uint32_t sceneId, std::vector<uint32_t> elementIds);
     // The inverse of an addition: the context of `origin`.
     DC_RemoveLevelCommand(const DC_Command& origin, uint32_t sceneId, std::vector<uint32_t> elementIds);
+    // The inverse of the making of new elements: after the removal the orders take back
+    // their rows from before, since a new row on top of the Sceneplanning order may have
+    // taken rows below it as its children, which its removal would take along.
+    DC_RemoveLevelCommand(const DC_Command& origin, uint32_t sceneId, std::vector<uint32_t> elementIds,
+                          std::vector<AS_CompositionRow> drawingRows,
+                          std::vector<AS_CompositionRow> sceneplanningRows);
 
     // Null when the scene is not in the set, or an id is not a present element of it or
     // appears twice.
@@ -28,4 +36,9 @@ public:
 private:
     uint32_t sceneId_;
     std::vector<uint32_t> elementIds_;
+    struct Rows {
+        std::vector<AS_CompositionRow> drawing;
+        std::vector<AS_CompositionRow> sceneplanning;
+    };
+    std::optional<Rows> rowsAfter_;
 };

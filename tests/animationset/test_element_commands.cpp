@@ -209,6 +209,7 @@ TEST_F(ElementCommandsTest, RemovingAParentAndTheCurrentCameraIsUndoneWhole) {
     ASSERT_EQ(scene->CurrentCamera()->GetId(), kCamera);
     const SetState before = StateOf(*set);
 
+    const AS_DopeSheetLevelObj* peg = Element(kPeg);
     DC_RemoveLevelCommand remove(*set, 1, {kPeg, kCamera});
     ASSERT_TRUE(Run(remove));
     EXPECT_EQ(scene->CurrentCamera(), scene->DefaultCamera());
@@ -216,7 +217,9 @@ TEST_F(ElementCommandsTest, RemovingAParentAndTheCurrentCameraIsUndoneWhole) {
     EXPECT_EQ(scene->SceneplanningOrder().FindRow(kDrawing), -1);
     EXPECT_EQ(scene->DrawingOrder().FindRow(kDrawing), 0);
 
+    // No save purged them: the same objects come back, with nothing to read or write.
     set->History().Undo();
+    EXPECT_EQ(Element(kPeg), peg);
     EXPECT_EQ(Tree(scene->SceneplanningOrder()), tree);
     EXPECT_EQ(scene->CurrentCamera()->GetId(), kCamera);
     EXPECT_EQ(StateOf(*set).body, before.body);
@@ -386,6 +389,26 @@ TEST_F(ElementCommandsTest, RenameNoteAndRowsGoBack) {
     // Below itself, or to a row that is not there: refused.
     EXPECT_FALSE(Run(*std::make_unique<DC_ReparentLevelCommand>(*set, 1, kPeg, kPeg)));
     EXPECT_FALSE(Run(*std::make_unique<DC_ReparentLevelCommand>(*set, 1, kPeg, 4242)));
+}
+
+TEST_F(ElementCommandsTest, UndoingANewElementLeavesTheRowsItCameAboveAlone) {
+    // A child moved to the top keeps its depth; a new row above it becomes its parent.
+    ASSERT_TRUE(Run(*std::make_unique<DC_ReparentLevelCommand>(*set, 1, kDrawing, kPeg)));
+    ASSERT_TRUE(Run(*std::make_unique<DC_SwitchLevelCommand>(
+        *set, 1, 1, std::vector<DC_SwitchLevelCommand::Move>{{kDrawing, AS_kInvalidId, true}})));
+    const auto rows = Tree(scene->SceneplanningOrder());
+    ASSERT_EQ(rows.front(), std::make_pair(kDrawing, 2));
+    DC_CreateLevelCommand create(*set, 1, 1, u"Arm", DC_CreateLevelCommand::kVectorDrawing);
+    ASSERT_TRUE(Run(create));
+    DC_CloneLevelCommand clone(*set, 1, kDrawing);
+    ASSERT_TRUE(Run(clone));
+    const auto grown = Tree(scene->SceneplanningOrder());
+    set->History().Undo();
+    set->History().Undo();
+    EXPECT_EQ(Tree(scene->SceneplanningOrder()), rows);
+    set->History().Redo();
+    set->History().Redo();
+    EXPECT_EQ(Tree(scene->SceneplanningOrder()), grown);
 }
 
 } // namespace

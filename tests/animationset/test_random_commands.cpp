@@ -2,6 +2,7 @@
 // state of the walk must come back exactly when the history reaches it again.
 
 #include "RandomCommands.h"
+#include "animationset/AS_MediaLinkLevelObj.h"
 
 namespace {
 
@@ -18,6 +19,13 @@ class RandomCommandsTest : public SetCommandTest {};
 TEST_F(RandomCommandsTest, EveryStateComesBackThroughUndoAndRedo) {
     std::mt19937 random(20261124);
     std::unique_ptr<CAnimationSetObj> set = MakeRandomWalkSet(random);
+    // A media element whose runs share a template, so that snapshots carry the set's
+    // media entries and must find them again when they come back.
+    CDopeSheetObj& first = *set->Sequence().front();
+    auto media = AS_MediaLinkLevelObj::Create(first.NewElementId(), u"Walk");
+    auto walk = std::make_shared<AS_MediaObj>(UT_UniqueId(11), u"Walk");
+    ASSERT_TRUE(media->SetCells({{0, 5, 0, walk}, {7, 9, 2, walk}}));
+    first.AddElement(std::move(media));
     const std::vector<RandomCommandKind> kinds = AllCommandKinds();
     const RandomWalkReport report = RunRandomWalk(*set, kinds, random, 3000);
     for (size_t i = 0; i < kinds.size(); ++i)
