@@ -4,6 +4,7 @@
 #include "animationset/DC_Command.h"
 #include "motion/C3DPoint.h"
 
+#include <cmath>
 #include <cstdint>
 #include <optional>
 

@@ -347,7 +347,7 @@ TEST_F(ElementCommandsTest, StartFrameOfAMediaElementMovesItsRuns) {
         *set, 1, id, DC_UpdateElementCommand::kStartFrame, value)));
 }
 
-TEST_F(ElementCommandsTest, RenameNoteAndRowsGoBack) {
+TEST_F(ElementCommandsTest, RenameAndNoteGoBack) {
     RecordingObserver heard(*set);
     DC_RenameLevelCommand rename(*set, 1, kPeg, u"Root");
     ASSERT_TRUE(Run(rename));
@@ -362,31 +362,7 @@ TEST_F(ElementCommandsTest, RenameNoteAndRowsGoBack) {
     EXPECT_EQ(heard.Codes(), (std::vector<uint32_t>{kElementRenamed, kElementNoteChanged, kElementNoteChanged,
                                                     kElementRenamed}));
 
-    // Rows: a move in each order and a change of parent, all put back by undo.
-    DC_CreateLevelCommand more(*set, 1, 2, u"Arm", DC_CreateLevelCommand::kVectorDrawing);
-    ASSERT_TRUE(Run(more));
-    const auto drawingRows = Tree(scene->DrawingOrder());
-    const auto sceneplanningRows = Tree(scene->SceneplanningOrder());
-    DC_SwitchLevelCommand front(*set, 1, 0, {{2006, AS_kInvalidId, true}});
-    ASSERT_TRUE(Run(front));
-    EXPECT_EQ(scene->DrawingOrder().GetLevelId(0), 2006u);
-    DC_ReparentLevelCommand under(*set, 1, 2005, kPeg);
-    ASSERT_TRUE(Run(under));
-    DC_ReparentLevelCommand peg(*set, 1, kPeg, kCamera);
-    ASSERT_TRUE(Run(peg));
-    EXPECT_EQ(scene->SceneplanningOrder().GetDepth(scene->SceneplanningOrder().FindRow(2005)), 3);
-    // The camera's subtree goes behind the whole subtree of the top row.
-    DC_SwitchLevelCommand behind(*set, 1, 1, {{kCamera, 2006, false}});
-    ASSERT_TRUE(Run(behind));
-    EXPECT_EQ(Tree(scene->SceneplanningOrder()),
-              (std::vector<std::pair<uint32_t, int32_t>>{
-                  {2006, 1}, {kCamera, 1}, {kPeg, 2}, {2005, 3}, {kDrawing, 1}}));
-    for (int i = 0; i < 4; ++i)
-        set->History().Undo();
-    EXPECT_EQ(Tree(scene->DrawingOrder()), drawingRows);
-    EXPECT_EQ(Tree(scene->SceneplanningOrder()), sceneplanningRows);
-
-    // Below itself, or to a row that is not there: refused.
+    // A parent below itself, or one that is not there, is refused.
     EXPECT_FALSE(Run(*std::make_unique<DC_ReparentLevelCommand>(*set, 1, kPeg, kPeg)));
     EXPECT_FALSE(Run(*std::make_unique<DC_ReparentLevelCommand>(*set, 1, kPeg, 4242)));
 }
