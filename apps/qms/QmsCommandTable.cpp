@@ -12,11 +12,12 @@ const std::vector<QmsCommand>& QmsCommandTable() {
          "| move PROJECT ID POSITION | hide PROJECT ID | show PROJECT ID [--json]",
          "list the scenes of an animation set, or change them with undoable commands and save", QmsRunScene},
         {"element",
-         "qms element list PROJECT SCENE | add PROJECT SCENE KIND [NAME] [--count N] [--frames N] | rename "
-         "PROJECT SCENE ELEMENT NAME | delete PROJECT SCENE ELEMENT... [--with-children] | clone PROJECT SCENE "
-         "ELEMENT | note PROJECT SCENE ELEMENT TEXT | set PROJECT SCENE ELEMENT FIELD VALUE... | parent PROJECT "
-         "SCENE ELEMENT PARENT|none | move PROJECT SCENE ELEMENT --before ELEMENT|--after ELEMENT|--top "
-         "[--order drawing|sceneplanning] [--json]",
+         "qms element list PROJECT SCENE | add PROJECT SCENE KIND [NAME] [--count N] [--frames N] | "
+         "rename PROJECT SCENE ELEMENT NAME | delete PROJECT SCENE ELEMENT... [--with-children] | "
+         "clone PROJECT SCENE ELEMENT | note PROJECT SCENE ELEMENT TEXT | "
+         "set PROJECT SCENE ELEMENT FIELD VALUE... | parent PROJECT SCENE ELEMENT PARENT|none | "
+         "move PROJECT SCENE ELEMENT --before ELEMENT|--after ELEMENT|--top [--order drawing|sceneplanning] "
+         "[--json]",
          "list the elements of a scene with both composition orders, or change them with undoable commands "
          "and save",
          QmsRunElement},
