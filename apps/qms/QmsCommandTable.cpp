@@ -18,6 +18,20 @@ const std::vector<QmsCommand>& QmsCommandTable() {
          "show the exposure of a drawing element, or change it with undoable commands and save", QmsRunCells},
         {"play", "qms play PROJECT SCENE [--fps N] [--from F --to T] [--loop N] [--json]",
          "run a scene at its frame rate and print each frame shown with its time", QmsRunPlay},
+        {"element",
+         "qms element list PROJECT SCENE | add PROJECT SCENE KIND [NAME] [--count N] [--frames N] | "
+         "rename PROJECT SCENE ELEMENT NAME | delete PROJECT SCENE ELEMENT... [--with-children] | "
+         "clone PROJECT SCENE ELEMENT | note PROJECT SCENE ELEMENT TEXT | "
+         "set PROJECT SCENE ELEMENT FIELD VALUE... | parent PROJECT SCENE ELEMENT PARENT|none | "
+         "move PROJECT SCENE ELEMENT --before ELEMENT|--after ELEMENT|--top [--order drawing|sceneplanning] "
+         "[--json]",
+         "list the elements of a scene with both composition orders, or change them with undoable commands "
+         "and save",
+         QmsRunElement},
+        {"dump", "qms dump FILE [--json]",
+         "print the objects of a project, drawing or catalog file with their offsets; damage stops the "
+         "listing where it lies",
+         QmsRunDump},
         {"prefs", "qms prefs [get KEY | set KEY VALUE | reset [--messages]] [--json]",
          "show or change the user's preferences", QmsRunPrefs},
         {"curve", "qms curve eval FILE|JSON [--frames A..B] [--step S] [--svg FILE] [--store FILE] [--json]",

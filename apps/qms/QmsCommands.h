@@ -21,6 +21,8 @@ int QmsRunSave(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunDemo(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunPrefs(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunScene(QmsContext& context, const std::vector<std::string>& words);
+int QmsRunElement(QmsContext& context, const std::vector<std::string>& words);
+int QmsRunDump(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunCurve(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunPath(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunLipsync(QmsContext& context, const std::vector<std::string>& words);

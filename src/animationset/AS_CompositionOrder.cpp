@@ -189,6 +189,12 @@ void AS_SPCompositionOrder::AddLevel(uint32_t id, bool shown) {
     InsertRows(0, {NewRow(id, shown)});
 }
 
+void AS_CompositionOrder::SetRows(std::vector<AS_CompositionRow> rows) {
+    rows_ = std::move(rows);
+    RebuildShown();
+    rangeDirty_ = true;
+}
+
 void AS_CompositionOrder::RebuildShown() {
     shown_.clear();
     for (size_t i = 0; i < rows_.size(); ++i)

@@ -94,6 +94,9 @@ public:
     uint32_t LevelMask() const { return levelMask_; }
     bool Accepts(const AS_DopeSheetLevelObj& level) const;
     const std::vector<AS_CompositionRow>& Rows() const { return rows_; }
+    // Puts back rows that were taken from this order before (an undo), and rebuilds the
+    // shown indices.
+    void SetRows(std::vector<AS_CompositionRow> rows);
     const std::vector<int>& ShownIndices() const { return shown_; }
 
     int GetRowCount() const { return static_cast<int>(rows_.size()); }

@@ -2,6 +2,7 @@
 
 #include "animationset/AS_CellIteratorObservable.h"
 #include "animationset/AS_DopeSheetNotifProxy.h"
+#include "animationset/AS_MediaManager.h"
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/SPO_SettingsMgr.h"
 #include "colour/CM_PaletteList.h"
@@ -23,7 +24,7 @@ CAnimationSetObj* g_current = nullptr;
 CAnimationSetObj::CAnimationSetObj()
     : paletteList_(std::make_unique<CM_PaletteList>()), penList_(CPenStyleList::MakeDefault()),
       userColors_(std::make_unique<PR_UserColorSettings>()), history_(std::make_unique<UT_CommandHistory>()),
-      proxy_(std::make_unique<AS_DopeSheetNotifProxy>(*this)) {
+      media_(std::make_unique<AS_MediaManager>()), proxy_(std::make_unique<AS_DopeSheetNotifProxy>(*this)) {
     paletteList_->AddDefaultPalette();
     paletteList_->MarkClean();
     userColors_->SetOwner(&colourOwner_);
@@ -113,6 +114,7 @@ CDopeSheetObj* CAnimationSetObj::FindScene(uint32_t id) const {
 void CAnimationSetObj::AddScene(std::unique_ptr<CDopeSheetObj> scene, size_t index) {
     CDopeSheetObj* raw = scene.get();
     raw->SetPaletteList(paletteList_.get());
+    raw->SetMediaManager(media_.get());
     raw->SetFolder(projectFolder_);
     SceneEntry& entry = scenes_[raw->SceneId()];
     if (entry.scene && !entry.removed)
@@ -248,10 +250,7 @@ void CAnimationSetObj::Read(DB_Archive& archive) {
 
     nextSceneId_ = archive.ReadU32();
     archive.ReadTyped(*paletteList_);
-    // Media objects: a shared reference takes at least six bytes.
-    const uint32_t mediaCount = archive.ReadCount(6);
-    for (uint32_t i = 0; i < mediaCount; ++i)
-        archive.ReadShared();
+    media_->Read(archive);
 
     // Each scene takes at least its type id and a handful of counts.
     const uint32_t sceneCount = archive.ReadCount(2);
@@ -262,6 +261,7 @@ void CAnimationSetObj::Read(DB_Archive& archive) {
             object.release();
             std::unique_ptr<CDopeSheetObj> owned(scene);
             owned->SetPaletteList(paletteList_.get());
+            owned->SetMediaManager(media_.get());
             scenes_[scene->SceneId()] = SceneEntry{std::move(owned), false, false};
         }
     }
@@ -321,13 +321,17 @@ void CAnimationSetObj::Write(DB_Archive& archive) {
         for (auto& [id, entry] : scenes_)
             entry.scene->SetFolder(projectFolder_);
         Purge();
-        for (CDopeSheetObj* scene : sequence_)
+        for (CDopeSheetObj* scene : sequence_) {
             scene->MakeFolders();
+            // Removed elements go first, so that the templates only they used are pruned.
+            scene->PurgeRemoved();
+        }
+        media_->Prune();
     }
 
     archive.WriteU32(nextSceneId_);
     archive.WriteTyped(*paletteList_);
-    archive.WriteCount(0);
+    media_->Write(archive);
 
     uint32_t live = 0;
     for (const auto& [id, entry] : scenes_)

@@ -11,6 +11,7 @@
 #include <vector>
 
 class AS_DopeSheetNotifProxy;
+class AS_MediaManager;
 class CDopeSheetObj;
 class CM_PaletteList;
 class CPenStyleList;
@@ -98,6 +99,8 @@ public:
     CPenStyleList& PenList() { return *penList_; }
     PR_UserColorSettings& UserColors() { return *userColors_; }
     UT_CommandHistory& History() { return *history_; }
+    // The templates that the media elements use.
+    AS_MediaManager& MediaManager() { return *media_; }
     // Every change of the set goes out through it.
     AS_DopeSheetNotifProxy& NotifProxy() { return *proxy_; }
     // The scene-planning settings of the document that holds the set; not owned.
@@ -138,6 +141,7 @@ private:
     std::unique_ptr<CPenStyleList> penList_;
     std::unique_ptr<PR_UserColorSettings> userColors_;
     std::unique_ptr<UT_CommandHistory> history_;
+    std::unique_ptr<AS_MediaManager> media_;
     std::unique_ptr<AS_DopeSheetNotifProxy> proxy_;
     ColourOwner colourOwner_{*this};
     SPO_SettingsMgr* settings_ = nullptr;

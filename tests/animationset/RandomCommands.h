@@ -53,6 +53,8 @@ void AddCellElements(CAnimationSetObj& set);
 
 // The commands on the palettes of the set.
 std::vector<RandomCommandKind> PaletteCommandKinds();
+// The commands on elements, their fields and their rows in the composition orders.
+std::vector<RandomCommandKind> ElementCommandKinds();
 
 // A start for the walk: a new set with three more scenes, some hidden, renamed and
 // coloured, and a drawing that lives only in memory.

@@ -12,6 +12,7 @@
 #include "core/DB_Archive.h"
 #include "core/DB_MemFile.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
@@ -25,13 +26,58 @@ inline std::unique_ptr<CAnimationSetObj> MakeNewSet() {
     return set;
 }
 
-// What the set would write into a snapshot, and the counter of scene ids apart: ids are
-// taken when a command is made and never given back, so the counter only grows while
-// commands are undone and redone.
+// What the set would write into a snapshot, with the counters of ids apart: ids are
+// taken when a command is made or first runs and never given back, so the counter of
+// scene ids, each scene's counter of element ids and each common half's last clone
+// number only grow while commands are undone and redone. The scene id counter is kept
+// to check that; the others are masked out of the body.
 struct SetState {
     std::vector<uint8_t> body;
     uint32_t nextSceneId = 0;
     bool operator==(const SetState&) const = default;
+};
+
+// Finds, while a snapshot is read back, the bytes of the counters that StateOf masks.
+class CounterFinder : public DB_ArchiveTrace {
+public:
+    explicit CounterFinder(const DB_MemFile& file) : file_(file) {}
+
+    void ObjectBegins(uint16_t typeId, const CPersistentObjBase*) override {
+        open_.push_back({typeId, file_.Position() - 2});
+    }
+    void ObjectEnds() override {
+        const Open object = open_.back();
+        open_.pop_back();
+        if (object.typeId == kSceneType) {
+            // The scene ends with the element id counter and the current camera's id.
+            counters.push_back(file_.Position() - 8);
+        } else if (IsCommonHalf(object.typeId)) {
+            // A common half starts with its name; the last clone number follows it.
+            uint32_t units;
+            std::memcpy(&units, file_.Data() + object.begin + 2, sizeof units);
+            counters.push_back(object.begin + 2 + 4 + 2 * units);
+        }
+    }
+    void SharedEntered(uint32_t) override {}
+    void SharedReferenced(uint32_t) override {}
+
+    // Offsets of the u32 counters.
+    std::vector<uint32_t> counters;
+
+private:
+    static constexpr uint16_t kSceneType = 2;
+    static bool IsCommonHalf(uint16_t typeId) {
+        for (uint16_t common : {6, 9, 10, 15, 16, 19, 21})
+            if (typeId == common)
+                return true;
+        return false;
+    }
+    struct Open {
+        uint16_t typeId;
+        uint32_t begin;
+    };
+    const DB_MemFile& file_;
+    std::vector<Open> open_;
 };
 
 inline SetState StateOf(CAnimationSetObj& set) {
@@ -40,10 +86,21 @@ inline SetState StateOf(CAnimationSetObj& set) {
         DB_Archive archive(&file, true);
         set.Write(archive);
     }
+    std::vector<uint8_t> bytes(file.Data(), file.Data() + file.Size());
+    CounterFinder finder(file);
+    file.Rewind();
+    {
+        CAnimationSetObj copy;
+        DB_Archive reader(&file, true);
+        reader.SetTrace(&finder);
+        copy.Read(reader);
+    }
+    for (uint32_t at : finder.counters)
+        std::fill(bytes.begin() + at, bytes.begin() + at + 4, 0);
     SetState state;
-    // The body starts with the counter.
-    std::memcpy(&state.nextSceneId, file.Data(), sizeof state.nextSceneId);
-    state.body.assign(file.Data() + sizeof state.nextSceneId, file.Data() + file.Size());
+    // The body starts with the scene id counter.
+    std::memcpy(&state.nextSceneId, bytes.data(), sizeof state.nextSceneId);
+    state.body.assign(bytes.begin() + sizeof state.nextSceneId, bytes.end());
     return state;
 }
 
