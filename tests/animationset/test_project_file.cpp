@@ -417,8 +417,13 @@ TEST_F(ProjectFileTest, EarlierVersionsAreReadAndRewrittenAs51) {
         ByteBuilder drawingFile;
         drawingFile.Narrow("QuilmoorTechnologiesInc ").Narrow(std::to_string(version)).U32(1);
         if (version > 31)
-            drawingFile.U8(0);
-        drawingFile.U16(202).U32(0);
+            drawingFile.U8(0); // header flag
+        drawingFile.U16(202);  // an empty vector drawing
+        if (version > 31)
+            drawingFile.U8(0).Bool(false); // rebuild; no layer tree
+        else
+            drawingFile.U32(0); // layer count
+        drawingFile.U32(0);     // colour count
         WriteFile(drawing, drawingFile.Bytes());
         const auto past = fs::file_time_type::clock::now() - std::chrono::hours(24);
         fs::last_write_time(drawing, past);
