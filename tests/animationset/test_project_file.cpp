@@ -1,6 +1,9 @@
 // The whole project file of a new set, laid out field by field from the format tables of
 // the set, the scene, the levels, the curves, the palettes, the pens and the user colours,
-// and compared with what the New flow and the first Save put on disk.
+// and compared with what the New flow and the first Save put on disk. A second reader
+// went through every field again against the format tables alone: order, width, type id,
+// default value, version rule and string encoding, and the hand-made files of the
+// earlier versions below.
 
 #include "ByteBuilder.h"
 #include "FakeHosts.h"
