@@ -165,7 +165,7 @@ std::vector<uint8_t> NewProjectBytes(size_t* nextElementIdAt = nullptr) {
     b.F64(12.0 * depthField);            // position z
     b.F64(375.0);                        // height
     b.F64(500.0);                        // width
-    b.Bool(true);                        // fixed field of view
+    b.Bool(true);                        // fixed: the constant below holds
     b.F64(30.0);                         // fixed field of view
     TwoKeySpline(b, 0, 30.0f, 9, 30.0f); // field of view curve
     b.U32(0);                            // start frame
