@@ -35,19 +35,3 @@ TEST(LipsyncQuality, ShippedModelsDecodeHeldOutSpeech) {
     EXPECT_GE(models.speechF1(), 0.90);
     EXPECT_GT(models.accuracy(), alwaysB.accuracy() + 0.2);
 }
-
-// Phonemes of espeak-ng to mouth letters, diphthongs in two parts.
-TEST(LipsyncQuality, PhonemeMapping) {
-    using Parts = std::vector<std::pair<char, double>>;
-    EXPECT_EQ(MouthOfPhoneme("m"), (Parts{{'A', 1.0}}));
-    EXPECT_EQ(MouthOfPhoneme("f"), (Parts{{'G', 1.0}}));
-    EXPECT_EQ(MouthOfPhoneme("u:"), (Parts{{'F', 1.0}}));
-    EXPECT_EQ(MouthOfPhoneme("oU"), (Parts{{'E', 1.0}}));
-    EXPECT_EQ(MouthOfPhoneme("A:"), (Parts{{'D', 1.0}}));
-    EXPECT_EQ(MouthOfPhoneme("E"), (Parts{{'C', 1.0}}));
-    EXPECT_EQ(MouthOfPhoneme("I"), (Parts{{'B', 1.0}}));
-    EXPECT_EQ(MouthOfPhoneme("_:"), (Parts{{'X', 1.0}}));
-    EXPECT_EQ(MouthOfPhoneme("aU"), (Parts{{'C', 0.6}, {'F', 0.4}}));
-    EXPECT_EQ(MouthOfPhoneme("aI@"), (Parts{{'D', 0.6}, {'B', 0.4}}));
-    EXPECT_EQ(MouthOfPhoneme("tS"), (Parts{{'B', 1.0}}));
-}
