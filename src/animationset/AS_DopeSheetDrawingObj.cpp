@@ -133,11 +133,18 @@ void AS_DopeSheetDrawingObj::Write(DB_Archive& archive) {
     archive.WriteId(id_);
     archive.WriteBool(locked_);
     if (!archive.IsEmbedded()) {
+        // A project read from an earlier version rewrites every drawing file in the
+        // current form: each drawing is loaded for it and let go again afterwards.
+        const bool loadedForConversion = archive.IsConverting() && !drawing_ && GetDrawing();
+        if (loadedForConversion)
+            drawing_->modified = true;
         if (drawing_ && drawing_->modified && creator_ && creator_->SaveDrawing(*drawing_, BaseName())) {
             drawing_->modified = false;
             hasFile_ = true;
         }
         archive.WriteBool(hasFile_);
+        if (loadedForConversion)
+            drawing_.reset();
         return;
     }
     DB_Archive nested(archive);
