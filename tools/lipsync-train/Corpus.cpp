@@ -10,6 +10,7 @@
 #include <cstring>
 #include <espeak-ng/speak_lib.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -223,12 +224,28 @@ bool FliteHasVoice(const std::string& voice) {
     return names.find(" " + voice + " ") != std::string::npos;
 }
 
+// A private folder under /tmp for flite's text and sound, removed with what it holds when
+// the program ends.
+struct ScratchFolder {
+    std::string path;
+    ScratchFolder() {
+        char name[] = "/tmp/lipsync-flite-XXXXXX";
+        if (mkdtemp(name) != nullptr)
+            path = name;
+    }
+    ~ScratchFolder() {
+        std::error_code ignored;
+        if (!path.empty())
+            std::filesystem::remove_all(path, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+};
+
 // Runs flite on `text` (through a file) and reads its phone line and sound.
 bool SpeakFlite(const SpeakerSpec& speaker, const std::string& text, LabelledSpeech& out) {
-    static const std::string folder = [] {
-        char name[] = "/tmp/lipsync-flite-XXXXXX";
-        return mkdtemp(name) != nullptr ? std::string(name) : std::string();
-    }();
+    static const ScratchFolder scratch;
+    const std::string& folder = scratch.path;
     const std::string voice = speaker.voice.substr(speaker.voice.find(':') + 1);
     if (folder.empty() || !FliteHasVoice(voice))
         return false;
