@@ -1,9 +1,15 @@
 // Trains the eight mouth-shape models from synthetic labelled speech and measures them.
 //
 //   lipsync-train train --sentences DIR --out FILE [--seed N] [--utterances N] [--rounds N]
-//                       [--realign N] [--band FRAMES] [--label-delay MS] [--flite-share P]
+//                       [--realign N] [--band FRAMES] [--shift-after FRAMES] [--split-b 0|1]
+//                       [--label-delay MS] [--flite-share P] [--room-share P] [--warp W]
+//                       [--max-frames N] [--prior-frames N] [--var-floor F] [--cache DIR]
 //   lipsync-train eval  --sentences DIR --models FILE [--seed N] [--utterances N]
 //                       [--set dev|test] [--voices seen|unseen|unseen-espeak]
+//                       [--flite-share P] [--room-share P] [--cache DIR]
+//
+// --cache keeps the synthesised speech of each set in DIR, so that runs with other training
+// settings skip the synthesis.
 //
 // Features come from the program's own front end; the models are written by the
 // program's model writer and must load through its own reader with every check.
