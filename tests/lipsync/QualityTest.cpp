@@ -7,7 +7,8 @@
 #include <random>
 
 // The shipped models on held-out sentences, spoken by voices of the training set with
-// room noise: a floor well below the measured figures, and clearly above the baselines.
+// room noise. The shipped models reach accuracy 0.809, macro recall 0.803, kappa 0.760 and
+// speech F1 0.984 here; the floor lies a little below, and clearly above the baselines.
 TEST(LipsyncQuality, ShippedModelsDecodeHeldOutSpeech) {
     if (LipsyncFiles::shippedModel('A').empty())
         GTEST_SKIP() << "this build carries no mouth models";
@@ -30,8 +31,9 @@ TEST(LipsyncQuality, ShippedModelsDecodeHeldOutSpeech) {
     LipsyncSetExitRoutine(previous);
     SCOPED_TRACE(models.report("held-out sentences"));
     EXPECT_GT(models.frames(), 600);
-    EXPECT_GE(models.accuracy(), 0.60);
-    EXPECT_GE(models.kappa(), 0.45);
-    EXPECT_GE(models.speechF1(), 0.90);
+    EXPECT_GE(models.accuracy(), 0.76);
+    EXPECT_GE(models.macroRecall(), 0.72);
+    EXPECT_GE(models.kappa(), 0.70);
+    EXPECT_GE(models.speechF1(), 0.95);
     EXPECT_GT(models.accuracy(), alwaysB.accuracy() + 0.2);
 }
