@@ -225,6 +225,7 @@ StateInfo* ReadState(ModelReader& in, const HMMSet& set) {
             float weight = in.number("Mixture weight");
             in.next();
             stream.spdf[m].weight = weight;
+            stream.spdf[m].logWeight = weight > 0.0f ? std::log(double(weight)) : kLogZero;
             stream.spdf[m].mpdf = ReadDensity(in);
         }
     }
@@ -390,7 +391,7 @@ double StateLogOutput(const HMMSet& set, const HMMDef& hmm, int state, const Obs
             const MixtureElem& mix = stream.spdf[m];
             if (mix.weight <= kMixWeightFloor)
                 continue;
-            logB = LAdd(logB, std::log(double(mix.weight)) + MixLogDensity(*mix.mpdf, *o.fv[s]));
+            logB = LAdd(logB, mix.logWeight + MixLogDensity(*mix.mpdf, *o.fv[s]));
         }
         total += double((*info.weights)[s]) * logB;
     }

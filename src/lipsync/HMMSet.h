@@ -51,6 +51,7 @@ struct MixPDF : LipsyncManaged {
 
 struct MixtureElem {
     float weight = 0.0f;
+    double logWeight = 0.0; // ln weight, kept beside it for the emission of every frame
     MixPDF* mpdf = nullptr;
 };
 

@@ -78,7 +78,6 @@ void LipsyncResampler::finish(std::vector<float>& out) {
 }
 
 void LipsyncToPcm16(const std::vector<float>& in, std::vector<int16_t>& out) {
-    out.reserve(out.size() + in.size());
     for (float v : in) {
         float scaled = std::round(v * 32768.0f);
         out.push_back(static_cast<int16_t>(std::clamp(scaled, -32768.0f, 32767.0f)));
@@ -102,6 +101,8 @@ bool LipsyncReadSound(const std::string& path, std::vector<int16_t>& samples, st
         return false;
     }
     sf_command(file.get(), SFC_SET_NORM_FLOAT, nullptr, SF_TRUE);
+    if (info.frames > 0)
+        samples.reserve(size_t(info.frames * 8000 / info.samplerate + 16));
     LipsyncResampler resampler(info.samplerate, 8000);
     const size_t chunk = 16384;
     std::vector<float> interleaved(chunk * size_t(info.channels)), mono(chunk), out;

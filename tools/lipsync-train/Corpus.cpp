@@ -5,11 +5,17 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <espeak-ng/speak_lib.h>
+#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -73,7 +79,76 @@ std::vector<std::pair<char, double>> MouthOfPhoneme(const std::string& p) {
     return {{vowel ? 'C' : 'B', 1.0}};
 }
 
-bool SpeakLabelled(const SpeakerSpec& speaker, const std::string& text, LabelledSpeech& out) {
+std::vector<std::pair<char, double>> MouthOfArpabet(const std::string& p) {
+    static const std::map<std::string, std::vector<std::pair<char, double>>> table = {
+        {"pau", {{'X', 1.0}}},
+        {"m", {{'A', 1.0}}},
+        {"b", {{'A', 1.0}}},
+        {"p", {{'A', 1.0}}},
+        {"f", {{'G', 1.0}}},
+        {"v", {{'G', 1.0}}},
+        {"eh", {{'C', 1.0}}},
+        {"ae", {{'C', 1.0}}},
+        {"ah", {{'C', 1.0}}},
+        {"iy", {{'C', 1.0}}},
+        {"ey", {{'C', 1.0}}},
+        {"aa", {{'D', 1.0}}},
+        {"ao", {{'D', 1.0}}},
+        {"ax", {{'D', 1.0}}},
+        {"ow", {{'E', 1.0}}},
+        {"uh", {{'E', 1.0}}},
+        {"uw", {{'F', 1.0}}},
+        {"ay", {{'D', 0.6}, {'B', 0.4}}},
+        {"aw", {{'C', 0.6}, {'F', 0.4}}},
+        {"oy", {{'E', 0.6}, {'B', 0.4}}},
+    };
+    auto found = table.find(p);
+    // Every other phone (the remaining consonants, er and ih) is slightly open.
+    return found != table.end() ? found->second : std::vector<std::pair<char, double>>{{'B', 1.0}};
+}
+
+std::vector<std::pair<std::string, double>> ParseFlitePhones(const std::string& line) {
+    std::vector<std::pair<std::string, double>> phones;
+    std::istringstream words(line);
+    std::string word;
+    while (words >> word) {
+        const size_t colon = word.find(':');
+        if (colon == 0 || colon == std::string::npos)
+            continue;
+        char* end = nullptr;
+        const double time = std::strtod(word.c_str() + colon + 1, &end);
+        if (end == word.c_str() + colon + 1 || *end != '\0' || !(time >= 0.0))
+            continue;
+        phones.emplace_back(word.substr(0, colon), time);
+    }
+    return phones;
+}
+
+std::vector<char>
+LabelPhones(const std::vector<std::pair<int64_t, std::vector<std::pair<char, double>>>>& phones,
+            size_t count) {
+    std::vector<char> labels(count, 'X');
+    for (size_t i = 0; i < phones.size(); ++i) {
+        const size_t start = size_t(std::clamp<int64_t>(phones[i].first, 0, int64_t(count)));
+        const size_t end = i + 1 < phones.size()
+                               ? size_t(std::clamp<int64_t>(phones[i + 1].first, 0, int64_t(count)))
+                               : count;
+        if (end <= start)
+            continue;
+        size_t at = start;
+        for (auto [letter, share] : phones[i].second) {
+            const size_t to = std::min(end, at + size_t(std::lround(share * double(end - start))));
+            std::fill(labels.begin() + long(at), labels.begin() + long(to), letter);
+            at = to;
+        }
+        std::fill(labels.begin() + long(at), labels.begin() + long(end), phones[i].second.back().first);
+    }
+    return labels;
+}
+
+namespace {
+
+bool SpeakEspeak(const SpeakerSpec& speaker, const std::string& text, LabelledSpeech& out) {
     const int inRate = EspeakRate();
     if (inRate <= 0)
         return false;
@@ -89,38 +164,138 @@ bool SpeakLabelled(const SpeakerSpec& speaker, const std::string& text, Labelled
     if (capture.samples.empty())
         return false;
 
-    // Labels at the synthesiser's rate, from each phoneme's start to the next one's.
-    const size_t n = capture.samples.size();
-    std::vector<char> labels(n, 'X');
-    for (size_t i = 0; i < capture.phonemes.size(); ++i) {
-        const size_t start = size_t(std::clamp<int>(capture.phonemes[i].first, 0, int(n)));
-        const size_t end = i + 1 < capture.phonemes.size()
-                               ? size_t(std::clamp<int>(capture.phonemes[i + 1].first, 0, int(n)))
-                               : n;
-        if (end <= start)
-            continue;
-        size_t at = start;
-        for (auto [letter, share] : MouthOfPhoneme(capture.phonemes[i].second)) {
-            const size_t to = std::min(end, at + size_t(std::lround(share * double(end - start))));
-            std::fill(labels.begin() + long(at), labels.begin() + long(to), letter);
-            at = to;
-        }
-        std::fill(labels.begin() + long(at), labels.begin() + long(end),
-                  MouthOfPhoneme(capture.phonemes[i].second).back().first);
-    }
-
-    std::vector<float> in(n), resampled;
-    for (size_t i = 0; i < n; ++i)
+    std::vector<std::pair<int64_t, std::vector<std::pair<char, double>>>> phones;
+    for (const auto& [start, name] : capture.phonemes)
+        phones.emplace_back(std::llround(double(start) * kRate * speaker.warp / inRate),
+                            MouthOfPhoneme(name));
+    std::vector<float> in(capture.samples.size()), resampled;
+    for (size_t i = 0; i < in.size(); ++i)
         in[i] = float(capture.samples[i]) / 32768.0f;
-    LipsyncResampler resampler(inRate, kRate);
-    resampler.push(in.data(), n, resampled);
+    // Read at a rate `warp` times lower than it was made, the speech lasts `warp` times longer.
+    LipsyncResampler resampler(int(std::lround(inRate / speaker.warp)), kRate);
+    resampler.push(in.data(), in.size(), resampled);
     resampler.finish(resampled);
     out.samples.clear();
     LipsyncToPcm16(resampled, out.samples);
-    out.labels.resize(out.samples.size());
-    for (size_t i = 0; i < out.samples.size(); ++i)
-        out.labels[i] = labels[std::min(n - 1, size_t(double(i) * inRate / kRate))];
+    out.labels = LabelPhones(phones, out.samples.size());
+    out.phoneStarts.clear();
+    for (const auto& phone : phones)
+        if (phone.first >= 0 && size_t(phone.first) < out.samples.size())
+            out.phoneStarts.push_back(size_t(phone.first));
     return true;
+}
+
+// Runs a program with its output into `output` and its errors dropped; true when it
+// ended with status 0. No shell sees the arguments.
+bool RunProgram(const std::vector<std::string>& args, std::string& output) {
+    int pipeEnds[2];
+    if (pipe(pipeEnds) != 0)
+        return false;
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(pipeEnds[1], 1);
+        close(pipeEnds[0]);
+        close(pipeEnds[1]);
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, 2);
+        std::vector<char*> argv;
+        for (const std::string& a : args)
+            argv.push_back(const_cast<char*>(a.c_str()));
+        argv.push_back(nullptr);
+        execvp(argv[0], argv.data());
+        _exit(127);
+    }
+    close(pipeEnds[1]);
+    char chunk[4096];
+    for (ssize_t got; (got = read(pipeEnds[0], chunk, sizeof chunk)) > 0;)
+        output.append(chunk, size_t(got));
+    close(pipeEnds[0]);
+    int status = 0;
+    return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// flite speaks with its default voice when it does not know the one asked for: the
+// names come from its own list.
+bool FliteHasVoice(const std::string& voice) {
+    static const std::string names = [] {
+        std::string list;
+        return RunProgram({"flite", "-lv"}, list) ? list + " " : std::string();
+    }();
+    return names.find(" " + voice + " ") != std::string::npos;
+}
+
+// A private folder under /tmp for flite's text and sound, removed with what it holds when
+// the program ends.
+struct ScratchFolder {
+    std::string path;
+    ScratchFolder() {
+        char name[] = "/tmp/lipsync-flite-XXXXXX";
+        if (mkdtemp(name) != nullptr)
+            path = name;
+    }
+    ~ScratchFolder() {
+        std::error_code ignored;
+        if (!path.empty())
+            std::filesystem::remove_all(path, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+};
+
+// Runs flite on `text` (through a file) and reads its phone line and sound.
+bool SpeakFlite(const SpeakerSpec& speaker, const std::string& text, LabelledSpeech& out) {
+    static const ScratchFolder scratch;
+    const std::string& folder = scratch.path;
+    const std::string voice = speaker.voice.substr(speaker.voice.find(':') + 1);
+    if (folder.empty() || !FliteHasVoice(voice))
+        return false;
+    const std::string textPath = folder + "/text.txt", wavePath = folder + "/speech.wav";
+    {
+        std::ofstream file(textPath);
+        file << text << "\n";
+        if (!file)
+            return false;
+    }
+    char stretch[64];
+    std::snprintf(stretch, sizeof stretch, "duration_stretch=%.3f", 175.0 / std::max(speaker.rate, 40));
+    std::string line, error;
+    if (!RunProgram({"flite", "-voice", voice, "-psdur", "--setf", stretch, "-f", textPath, "-o", wavePath},
+                    line))
+        return false;
+    if (!LipsyncReadSound(wavePath, out.samples, error) || out.samples.empty())
+        return false;
+    if (speaker.warp != 1.0) {
+        std::vector<float> in(out.samples.size()), warped;
+        for (size_t i = 0; i < in.size(); ++i)
+            in[i] = float(out.samples[i]) / 32768.0f;
+        LipsyncResampler resampler(int(std::lround(kRate / speaker.warp)), kRate);
+        resampler.push(in.data(), in.size(), warped);
+        resampler.finish(warped);
+        out.samples.clear();
+        LipsyncToPcm16(warped, out.samples);
+    }
+    // flite gives end times: each phone starts where the one before it ends.
+    std::vector<std::pair<int64_t, std::vector<std::pair<char, double>>>> phones;
+    double start = 0.0;
+    for (const auto& [name, end] : ParseFlitePhones(line)) {
+        phones.emplace_back(std::llround(start * kRate * speaker.warp), MouthOfArpabet(name));
+        start = end;
+    }
+    if (phones.empty())
+        return false;
+    out.labels = LabelPhones(phones, out.samples.size());
+    out.phoneStarts.clear();
+    for (const auto& phone : phones)
+        if (phone.first >= 0 && size_t(phone.first) < out.samples.size())
+            out.phoneStarts.push_back(size_t(phone.first));
+    return true;
+}
+
+} // namespace
+
+bool SpeakLabelled(const SpeakerSpec& speaker, const std::string& text, LabelledSpeech& out) {
+    return StartsWith(speaker.voice, "flite:") ? SpeakFlite(speaker, text, out)
+                                               : SpeakEspeak(speaker, text, out);
 }
 
 LabelledSpeech MakeUtterance(const SpeakerSpec& speaker, const std::vector<std::string>& sentences,
@@ -129,6 +304,7 @@ LabelledSpeech MakeUtterance(const SpeakerSpec& speaker, const std::vector<std::
     auto pause = [&](double low, double high) { return size_t((low + (high - low) * unit(random)) * kRate); };
     std::vector<double> speech;
     std::vector<char> labels;
+    std::vector<size_t> phoneStarts;
     auto addSilence = [&](size_t count) {
         speech.insert(speech.end(), count, 0.0);
         labels.insert(labels.end(), count, 'X');
@@ -140,6 +316,8 @@ LabelledSpeech MakeUtterance(const SpeakerSpec& speaker, const std::vector<std::
             continue;
         if (speech.size() + part.samples.size() + kRate / 2 > kLongest)
             break;
+        for (size_t start : part.phoneStarts)
+            phoneStarts.push_back(speech.size() + start);
         speech.insert(speech.end(), part.samples.begin(), part.samples.end());
         labels.insert(labels.end(), part.labels.begin(), part.labels.end());
         addSilence(pause(0.1, 0.8));
@@ -147,6 +325,8 @@ LabelledSpeech MakeUtterance(const SpeakerSpec& speaker, const std::vector<std::
     if (speech.size() > kLongest) {
         speech.resize(kLongest);
         labels.resize(kLongest);
+        while (!phoneStarts.empty() && phoneStarts.back() >= kLongest)
+            phoneStarts.pop_back();
     }
 
     // Gain, then band limits by one-pole filters.
@@ -170,6 +350,34 @@ LabelledSpeech MakeUtterance(const SpeakerSpec& speaker, const std::vector<std::
         double state = 0;
         for (double& v : speech)
             v = state = (1 - a) * v + a * state;
+    }
+
+    // A small room: a Schroeder reverberator (four combs, two all-passes) with a
+    // reverberation time of 0.15-0.6 s, mixed at a direct-to-reverberant ratio of 0-12 dB.
+    if (unit(random) < augment.roomShare) {
+        const double seconds = 0.15 + 0.45 * unit(random);
+        const double ratioDb = 12.0 * unit(random);
+        std::vector<double> wet(speech.size(), 0.0), comb(speech.size());
+        for (size_t delay : {238u, 297u, 329u, 350u}) {
+            const double feedback = std::pow(10.0, -3.0 * double(delay) / (seconds * kRate));
+            for (size_t i = 0; i < speech.size(); ++i) {
+                comb[i] = i >= delay ? speech[i - delay] + feedback * comb[i - delay] : 0.0;
+                wet[i] += 0.25 * comb[i];
+            }
+        }
+        for (size_t delay : {40u, 14u}) {
+            std::vector<double> in = wet;
+            for (size_t i = 0; i < wet.size(); ++i)
+                wet[i] = -0.7 * in[i] + (i >= delay ? in[i - delay] + 0.7 * wet[i - delay] : 0.0);
+        }
+        double dryPower = 0, wetPower = 0;
+        for (size_t i = 0; i < speech.size(); ++i) {
+            dryPower += speech[i] * speech[i];
+            wetPower += wet[i] * wet[i];
+        }
+        const double level = std::sqrt(dryPower / std::max(wetPower, 1e-12) / std::pow(10.0, ratioDb / 10.0));
+        for (size_t i = 0; i < speech.size(); ++i)
+            speech[i] += level * wet[i];
     }
 
     // Room noise: white, pink or brown, at an SNR against the speech's mean power.
@@ -214,6 +422,7 @@ LabelledSpeech MakeUtterance(const SpeakerSpec& speaker, const std::vector<std::
 
     LabelledSpeech out;
     out.labels = std::move(labels);
+    out.phoneStarts = std::move(phoneStarts);
     out.samples.reserve(speech.size());
     for (double v : speech)
         out.samples.push_back(static_cast<int16_t>(std::lround(std::clamp(v, -32768.0, 32767.0))));

@@ -101,12 +101,12 @@ std::string LipsyncScoreboard::report(const std::string& title) const {
     return text;
 }
 
-std::vector<char> ReferenceFrames(const LabelledSpeech& speech, int fps, size_t count) {
+std::vector<char> ReferenceFrames(const LabelledSpeech& speech, int fps, size_t count, int offset) {
     std::vector<char> frames(count, 'X');
     for (size_t k = 0; k < count; ++k) {
-        const size_t sample = size_t((2 * int64_t(k) + 1) * 8000 / (2 * int64_t(fps)));
-        if (sample < speech.labels.size())
-            frames[k] = speech.labels[sample];
+        const int64_t sample = (2 * int64_t(k) + 1) * 8000 / (2 * int64_t(fps)) + offset;
+        if (sample >= 0 && sample < int64_t(speech.labels.size()))
+            frames[k] = speech.labels[size_t(sample)];
     }
     return frames;
 }

@@ -30,8 +30,9 @@ private:
     long runs_ = 0, shortRuns_ = 0;
 };
 
-// The reference letter of each video frame: the label at the frame's centre time.
-std::vector<char> ReferenceFrames(const LabelledSpeech& speech, int fps, size_t count);
+// The reference letter of each video frame: the label at the frame's centre time, moved
+// by `offset` samples.
+std::vector<char> ReferenceFrames(const LabelledSpeech& speech, int fps, size_t count, int offset = 0);
 
 // The decoded letters of a sound at `fps` through the product's own analysis.
 std::vector<char> DecodeFrames(const std::vector<int16_t>& samples, int fps);

@@ -1,12 +1,22 @@
 // Trains the eight mouth-shape models from synthetic labelled speech and measures them.
 //
 //   lipsync-train train --sentences DIR --out FILE [--seed N] [--utterances N] [--rounds N]
-//   lipsync-train eval  --sentences DIR --models FILE [--seed N] [--utterances N] [--voices seen|unseen]
+//                       [--realign N] [--band FRAMES] [--shift-after FRAMES] [--split-b 0|1]
+//                       [--label-delay MS] [--flite-share P] [--room-share P] [--warp W]
+//                       [--max-frames N] [--prior-frames N] [--var-floor F] [--cache DIR]
+//   lipsync-train eval  --sentences DIR --models FILE [--seed N] [--utterances N]
+//                       [--set dev|test] [--voices seen|unseen|unseen-espeak]
+//                       [--flite-share P] [--room-share P] [--cache DIR]
+//
+// --cache keeps the synthesised speech of each set in DIR, so that runs with other training
+// settings skip the synthesis.
 //
 // Features come from the program's own front end; the models are written by the
 // program's model writer and must load through its own reader with every check.
+#include "Align.h"
 #include "Corpus.h"
 #include "Evaluate.h"
+#include "MixtureFit.h"
 #include "lipsync/LipsyncExit.h"
 #include "lipsync/LipsyncFiles.h"
 #include "lipsync/LipsyncMemoryManagerObject.h"
@@ -16,35 +26,40 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <map>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
 
-constexpr int kMixtures = 7;
-constexpr int kStates = 3;
-constexpr int kWidths[4] = {8, 8, 8, 3};
-constexpr int kOffsets[4] = {0, 8, 16, 24};
-constexpr double kLog2Pi = 1.8378770664093453;
 const char* const kShapes = "ABCDEFGX";
 
-using Frame = std::array<float, 27>; // in stream order: c, d, a, then E dE aE
-
-const std::vector<std::string> kSeenVoices = {"en-us",          "en-gb-x-rp",    "en",       "en-029",
+// Voices of the training set, and voices kept out of it for testing: flite's awb, and two
+// espeak-ng accents.
+const std::vector<std::string> kSeenEspeak = {"en-us",          "en-gb-x-rp",    "en",       "en-029",
                                               "en-gb-scotland", "en-us+m3",      "en-us+f2", "en+f4",
                                               "en-us+klatt",    "en-gb-x-rp+m1", "en-us+f5", "en-us+m7"};
-const std::vector<std::string> kUnseenVoices = {"en-gb-x-gbcwmd+m6", "en-gb-x-gbclan+f1"};
+const std::vector<std::string> kSeenFlite = {"flite:slt", "flite:rms"};
+const std::vector<std::string> kUnseenFlite = {"flite:awb"};
+const std::vector<std::string> kUnseenEspeak = {"en-gb-x-gbcwmd+m6", "en-gb-x-gbclan+f1"};
+
+// Who speaks a set: flite voices take `fliteShare` of the utterances.
+struct VoicePool {
+    std::vector<std::string> espeak, flite;
+    double fliteShare = 0.0;
+};
 
 struct Utterance {
     std::vector<Frame> frames;
-    std::vector<int> labels; // shape index of each analysis frame
+    std::vector<int> labels;        // shape index of each analysis frame
+    std::vector<bool> shapeRepeats; // the frame starts another phone of the same shape
     LabelledSpeech speech;
 };
 
@@ -63,18 +78,25 @@ std::vector<Frame> Features(const std::vector<int16_t>& samples) {
     for (int t = 0; t < buffer.sampleCount; ++t) {
         frameToStreams(buffer, t, o);
         for (int s = 0; s < 4; ++s)
-            for (int i = 0; i < kWidths[s]; ++i)
-                frames[size_t(t)][size_t(kOffsets[s] + i)] = (*o.fv[s + 1])[i + 1];
+            for (int i = 0; i < kStreamWidths[s]; ++i)
+                frames[size_t(t)][size_t(kStreamOffsets[s] + i)] = (*o.fv[s + 1])[i + 1];
     }
     return frames;
 }
 
-// Sentences: the own lists and the licence texts; every tenth licence sentence and the
-// whole held-out list are kept out of training.
-void LoadCorpusText(const std::string& dir, std::vector<std::string>& train,
-                    std::vector<std::string>& heldOut) {
-    train = LoadSentences(dir + "/own.txt");
-    heldOut = LoadSentences(dir + "/heldout.txt");
+// Sentences: our own lists and the licence texts. Every tenth licence sentence and every
+// tenth own sentence is kept for tuning (dev); another tenth of the licence sentences and
+// the whole held-out list are never used before the final test.
+struct CorpusText {
+    std::vector<std::string> train, dev, test;
+};
+
+CorpusText LoadCorpusText(const std::string& dir) {
+    CorpusText text;
+    const std::vector<std::string> own = LoadSentences(dir + "/own.txt");
+    for (size_t i = 0; i < own.size(); ++i)
+        (i % 10 == 7 ? text.dev : text.train).push_back(own[i]);
+    text.test = LoadSentences(dir + "/heldout.txt");
     std::ifstream list(dir + "/licences.txt");
     std::string path;
     while (std::getline(list, path)) {
@@ -82,376 +104,259 @@ void LoadCorpusText(const std::string& dir, std::vector<std::string>& train,
             continue;
         const std::vector<std::string> sentences = LoadSentences(path);
         for (size_t i = 0; i < sentences.size(); ++i)
-            (i % 10 == 3 ? heldOut : train).push_back(sentences[i]);
+            (i % 10 == 3 ? text.test : i % 10 == 7 ? text.dev : text.train).push_back(sentences[i]);
     }
+    return text;
 }
 
-std::vector<Utterance> MakeSet(const std::vector<std::string>& sentences,
-                               const std::vector<std::string>& voices, int count, uint32_t seed) {
+// Made speech can be kept in a cache folder between runs, under a hash of everything that
+// made it; synthesis is most of the time of a run.
+std::string gCacheDir;
+
+uint64_t Fnv(uint64_t h, const void* data, size_t size) {
+    for (size_t i = 0; i < size; ++i)
+        h = (h ^ static_cast<const unsigned char*>(data)[i]) * 0x100000001b3ull;
+    return h;
+}
+
+uint64_t Fnv(uint64_t h, const std::string& text) {
+    return Fnv(h, text.data(), text.size() + 1);
+}
+
+bool ReadCached(const std::string& path, std::vector<LabelledSpeech>& speech) {
+    std::ifstream file(path, std::ios::binary);
+    uint64_t count = 0;
+    if (!file.read(reinterpret_cast<char*>(&count), sizeof count))
+        return false;
+    speech.resize(size_t(count));
+    for (LabelledSpeech& s : speech) {
+        uint64_t n = 0;
+        file.read(reinterpret_cast<char*>(&n), sizeof n);
+        s.samples.resize(size_t(n));
+        s.labels.resize(size_t(n));
+        file.read(reinterpret_cast<char*>(s.samples.data()), std::streamsize(n * sizeof(int16_t)));
+        file.read(s.labels.data(), std::streamsize(n));
+        uint64_t phones = 0;
+        file.read(reinterpret_cast<char*>(&phones), sizeof phones);
+        s.phoneStarts.resize(size_t(phones));
+        file.read(reinterpret_cast<char*>(s.phoneStarts.data()), std::streamsize(phones * sizeof(size_t)));
+    }
+    return bool(file);
+}
+
+void WriteCached(const std::string& path, const std::vector<LabelledSpeech>& speech) {
+    // A name of this process's own, as two runs may make the same set at once.
+    const std::string part = path + ".part" + std::to_string(getpid());
+    std::ofstream file(part, std::ios::binary);
+    const uint64_t count = speech.size();
+    file.write(reinterpret_cast<const char*>(&count), sizeof count);
+    for (const LabelledSpeech& s : speech) {
+        const uint64_t n = s.samples.size();
+        file.write(reinterpret_cast<const char*>(&n), sizeof n);
+        file.write(reinterpret_cast<const char*>(s.samples.data()), std::streamsize(n * sizeof(int16_t)));
+        file.write(s.labels.data(), std::streamsize(n));
+        const uint64_t phones = s.phoneStarts.size();
+        file.write(reinterpret_cast<const char*>(&phones), sizeof phones);
+        file.write(reinterpret_cast<const char*>(s.phoneStarts.data()),
+                   std::streamsize(phones * sizeof(size_t)));
+    }
+    file.close();
+    if (file)
+        std::rename(part.c_str(), path.c_str());
+}
+
+// Utterances of 1 to 3 sentences by voices of the pool at random rates and pitches.
+std::vector<LabelledSpeech> MakeSpeech(const std::vector<std::string>& sentences, const VoicePool& voices,
+                                       int count, uint32_t seed, const AugmentSpec& augment) {
+    std::string path;
+    if (!gCacheDir.empty()) {
+        uint64_t h = Fnv(0xcbf29ce484222325ull, "speech with phone starts");
+        for (const std::string& s : sentences)
+            h = Fnv(h, s);
+        for (const std::string& v : voices.espeak)
+            h = Fnv(h, v);
+        h = Fnv(h, "|");
+        for (const std::string& v : voices.flite)
+            h = Fnv(h, v);
+        const double numbers[] = {voices.fliteShare,     double(count),    double(seed),
+                                  double(augment.noise), augment.minSnrDb, augment.maxSnrDb,
+                                  augment.roomShare};
+        h = Fnv(h, numbers, sizeof numbers);
+        if (augment.warp > 0)
+            h = Fnv(h, &augment.warp, sizeof augment.warp);
+        char name[32];
+        std::snprintf(name, sizeof name, "/set-%016llx.bin", static_cast<unsigned long long>(h));
+        path = gCacheDir + name;
+        std::vector<LabelledSpeech> cached;
+        if (ReadCached(path, cached))
+            return cached;
+    }
     std::mt19937 random(seed);
+    std::uniform_real_distribution<double> unit(0.0, 1.0);
     std::uniform_int_distribution<size_t> pickSentence(0, sentences.size() - 1);
-    std::uniform_int_distribution<size_t> pickVoice(0, voices.size() - 1);
     std::uniform_int_distribution<int> rate(120, 230), pitch(25, 75), sentencesPer(1, 3);
-    std::vector<Utterance> set;
+    std::vector<LabelledSpeech> set;
     for (int u = 0; u < count; ++u) {
-        SpeakerSpec speaker{voices[pickVoice(random)], rate(random), pitch(random)};
+        const bool flite =
+            !voices.flite.empty() && (voices.espeak.empty() || unit(random) < voices.fliteShare);
+        const std::vector<std::string>& pool = flite ? voices.flite : voices.espeak;
+        SpeakerSpec speaker{pool[std::uniform_int_distribution<size_t>(0, pool.size() - 1)(random)],
+                            rate(random), pitch(random)};
+        if (augment.warp > 0)
+            speaker.warp = 1.0 + augment.warp * (2.0 * unit(random) - 1.0);
         std::vector<std::string> text;
         for (int k = sentencesPer(random); k > 0; --k)
             text.push_back(sentences[pickSentence(random)]);
+        LabelledSpeech speech = MakeUtterance(speaker, text, augment, random);
+        if (speech.samples.size() >= 2000)
+            set.push_back(std::move(speech));
+    }
+    if (!path.empty())
+        WriteCached(path, set);
+    return set;
+}
+
+// The utterances with their features. The label of an analysis frame is the label
+// `delay` samples before its centre.
+std::vector<Utterance> MakeSet(const std::vector<std::string>& sentences, const VoicePool& voices, int count,
+                               uint32_t seed, int delay, const AugmentSpec& augment) {
+    std::vector<Utterance> set;
+    for (LabelledSpeech& speech : MakeSpeech(sentences, voices, count, seed, augment)) {
         Utterance utt;
-        utt.speech = MakeUtterance(speaker, text, AugmentSpec(), random);
-        if (utt.speech.samples.size() < 2000)
-            continue;
+        utt.speech = std::move(speech);
         utt.frames = Features(utt.speech.samples);
-        for (size_t t = 0; t < utt.frames.size(); ++t)
-            utt.labels.push_back(
-                ShapeIndex(utt.speech.labels[std::min(utt.speech.labels.size() - 1, t * 80 + 100)]));
+        size_t phone = 0;
+        for (size_t t = 0; t < utt.frames.size(); ++t) {
+            const long at =
+                std::clamp<long>(long(t * 80 + 100) - delay, 0, long(utt.speech.labels.size()) - 1);
+            utt.labels.push_back(ShapeIndex(utt.speech.labels[size_t(at)]));
+            // Whether a phone starts after the label point of the frame before, up to this one.
+            bool started = false;
+            while (phone < utt.speech.phoneStarts.size() && long(utt.speech.phoneStarts[phone]) <= at) {
+                started = t > 0;
+                ++phone;
+            }
+            utt.shapeRepeats.push_back(started && utt.labels[t] == utt.labels[t - 1]);
+        }
         set.push_back(std::move(utt));
     }
     return set;
 }
 
-// One full-covariance Gaussian in double precision.
-struct Gaussian {
-    double weight = 0;
-    std::vector<double> mean, inverse; // inverse is d x d
-    double gconst = 0;                 // d ln(2 pi) + ln |covariance|
-};
-
-struct Mixture {
-    int dim = 0;
-    std::vector<Gaussian> parts;
-    double logLikelihood(const float* x) const {
-        double best = -1e300, sum = 0;
-        double scores[kMixtures];
-        for (size_t k = 0; k < parts.size(); ++k) {
-            scores[k] = std::log(std::max(parts[k].weight, 1e-300)) + logDensity(parts[k], x);
-            best = std::max(best, scores[k]);
+// The models and the alignment of every training frame to a shape and state.
+class Trainer {
+public:
+    // With `splitB`, every phone of shape B is a run of its own, as the bigram lets B follow
+    // B; runs of the other shapes are whole.
+    Trainer(const std::vector<Utterance>& set, uint32_t seed, const FitSettings& fit, bool splitB)
+        : set_(set), models_(8), random_(seed), fit_(fit) {
+        for (const Utterance& u : set_) {
+            std::vector<bool> breaks(u.labels.size(), false);
+            for (size_t t = 0; t < breaks.size() && splitB; ++t)
+                breaks[t] = u.shapeRepeats[t] && u.labels[t] == ShapeIndex('B');
+            runs_.push_back(RunsOfLabels(u.labels, breaks));
         }
-        for (size_t k = 0; k < parts.size(); ++k)
-            sum += std::exp(scores[k] - best);
-        return best + std::log(sum);
-    }
-    double logDensity(const Gaussian& g, const float* x) const {
-        double d[8];
-        for (int i = 0; i < dim; ++i)
-            d[i] = double(x[i]) - g.mean[size_t(i)];
-        double q = 0;
-        for (int i = 0; i < dim; ++i) {
-            double row = 0;
-            for (int k = 0; k < dim; ++k)
-                row += g.inverse[size_t(i * dim + k)] * d[k];
-            q += d[i] * row;
-        }
-        return -0.5 * (g.gconst + q);
-    }
-};
-
-// Inverse and log determinant of a symmetric positive definite matrix by Cholesky.
-bool InvertSpd(const std::vector<double>& a, int n, std::vector<double>& inverse, double& logDet) {
-    std::vector<double> l(size_t(n * n), 0.0);
-    logDet = 0;
-    for (int j = 0; j < n; ++j) {
-        double s = a[size_t(j * n + j)];
-        for (int k = 0; k < j; ++k)
-            s -= l[size_t(j * n + k)] * l[size_t(j * n + k)];
-        if (s <= 1e-12)
-            return false;
-        l[size_t(j * n + j)] = std::sqrt(s);
-        logDet += std::log(s);
-        for (int i = j + 1; i < n; ++i) {
-            double t = a[size_t(i * n + j)];
-            for (int k = 0; k < j; ++k)
-                t -= l[size_t(i * n + k)] * l[size_t(j * n + k)];
-            l[size_t(i * n + j)] = t / l[size_t(j * n + j)];
+        // The first alignment: each labelled run cut into equal thirds.
+        for (size_t u = 0; u < set_.size(); ++u) {
+            paths_.emplace_back(set_[u].frames.size());
+            for (const LabelRun& run : runs_[u])
+                for (size_t t = run.begin; t < run.end; ++t)
+                    paths_[u][t] = {uint8_t(run.shape),
+                                    uint8_t((t - run.begin) * kShapeStates / (run.end - run.begin))};
         }
     }
-    inverse.assign(size_t(n * n), 0.0);
-    for (int c = 0; c < n; ++c) {
-        std::vector<double> y(size_t(n), 0.0), x(size_t(n), 0.0);
-        for (int i = 0; i < n; ++i) {
-            double s = i == c ? 1.0 : 0.0;
-            for (int k = 0; k < i; ++k)
-                s -= l[size_t(i * n + k)] * y[size_t(k)];
-            y[size_t(i)] = s / l[size_t(i * n + i)];
-        }
-        for (int i = n - 1; i >= 0; --i) {
-            double s = y[size_t(i)];
-            for (int k = i + 1; k < n; ++k)
-                s -= l[size_t(k * n + i)] * x[size_t(k)];
-            x[size_t(i)] = s / l[size_t(i * n + i)];
-        }
-        for (int i = 0; i < n; ++i)
-            inverse[size_t(i * n + c)] = x[size_t(i)];
+
+    // Each labelled run aligned to the three states of its own model.
+    void alignRuns() {
+        std::vector<int> states;
+        for (size_t u = 0; u < set_.size(); ++u)
+            for (const LabelRun& run : runs_[u]) {
+                AlignSegment(models_[size_t(run.shape)], &set_[u].frames[run.begin], run.end - run.begin,
+                             states);
+                for (size_t t = run.begin; t < run.end; ++t)
+                    paths_[u][t] = {uint8_t(run.shape), uint8_t(states[t - run.begin])};
+            }
     }
-    return true;
-}
 
-// Sets one component from weighted sums, with shrinkage towards the diagonal and a floor
-// from the pooled variances so that no covariance is singular.
-void SetComponent(Gaussian& g, int d, double n, const std::vector<double>& sum,
-                  const std::vector<double>& scatter, const std::vector<double>& pooledVar, double total) {
-    g.weight = std::max(n / total, 2e-5);
-    g.mean.assign(size_t(d), 0.0);
-    std::vector<double> cov(size_t(d * d), 0.0);
-    const double count = std::max(n, 1e-9);
-    for (int i = 0; i < d; ++i)
-        g.mean[size_t(i)] = sum[size_t(i)] / count;
-    const double shrink = std::min(1.0, 0.05 + 4.0 * d / (count + 1.0));
-    for (int i = 0; i < d; ++i)
-        for (int k = 0; k < d; ++k) {
-            double c = scatter[size_t(i * d + k)] / count - g.mean[size_t(i)] * g.mean[size_t(k)];
-            if (i != k)
-                c *= 1.0 - shrink;
-            cov[size_t(i * d + k)] = c;
+    // Whole utterances aligned through their concatenated models; the boundaries between
+    // shapes may move up to `band` frames. Returns the share of frames whose shape moved.
+    double alignUtterances(int band) {
+        long moved = 0, total = 0, failed = 0;
+        for (size_t u = 0; u < set_.size(); ++u) {
+            if (!AlignUtterance(models_, set_[u].frames, runs_[u], band, paths_[u]))
+                ++failed;
+            for (size_t t = 0; t < paths_[u].size(); ++t)
+                moved += paths_[u][t].shape != set_[u].labels[t] ? 1 : 0;
+            total += long(paths_[u].size());
         }
-    for (int i = 0; i < d; ++i) {
-        double& v = cov[size_t(i * d + i)];
-        v = (1.0 - shrink) * v + shrink * pooledVar[size_t(i)];
-        v = std::max(v, 0.02 * pooledVar[size_t(i)]) + 1e-4;
+        if (failed > 0)
+            std::printf("    %ld utterances kept their alignment\n", failed);
+        return total > 0 ? double(moved) / double(total) : 0.0;
     }
-    double logDet;
-    while (!InvertSpd(cov, d, g.inverse, logDet))
-        for (int i = 0; i < d; ++i)
-            cov[size_t(i * d + i)] += 0.1 * pooledVar[size_t(i)];
-    g.gconst = d * kLog2Pi + logDet;
-}
 
-// Fits a mixture of kMixtures Gaussians to `data` (pointers to d floats): k-means++ seeds
-// and Lloyd steps for a first model, then EM steps.
-Mixture FitMixture(const std::vector<const float*>& data, int d, const Mixture* start, std::mt19937& random,
-                   int emSteps) {
-    Mixture m;
-    m.dim = d;
-    const size_t n = data.size();
-    std::vector<double> pooledMean(size_t(d), 0.0), pooledVar(size_t(d), 0.0);
-    for (const float* x : data)
-        for (int i = 0; i < d; ++i)
-            pooledMean[size_t(i)] += x[i];
-    for (int i = 0; i < d; ++i)
-        pooledMean[size_t(i)] /= double(std::max<size_t>(n, 1));
-    for (const float* x : data)
-        for (int i = 0; i < d; ++i)
-            pooledVar[size_t(i)] += (x[i] - pooledMean[size_t(i)]) * (x[i] - pooledMean[size_t(i)]);
-    for (int i = 0; i < d; ++i)
-        pooledVar[size_t(i)] = std::max(pooledVar[size_t(i)] / double(std::max<size_t>(n, 1)), 1e-3);
+    // Makes the shapes of the present alignment, each moved `frames` later, the labelled
+    // runs of the following rounds.
+    void delayBoundaries(int frames) {
+        for (size_t u = 0; u < set_.size(); ++u) {
+            std::vector<int> shapes(paths_[u].size());
+            for (size_t t = 0; t < shapes.size(); ++t)
+                shapes[t] = paths_[u][t >= size_t(frames) ? t - size_t(frames) : 0].shape;
+            runs_[u] = RunsOfLabels(shapes);
+        }
+    }
 
-    std::vector<std::vector<double>> centres;
-    if (start != nullptr) {
-        m = *start;
-    } else {
-        std::uniform_int_distribution<size_t> pick(0, std::max<size_t>(n, 1) - 1);
-        std::vector<double> nearest(n, 1e300);
-        for (int k = 0; k < kMixtures; ++k) {
-            size_t chosen = n > 0 ? pick(random) : 0;
-            if (k > 0 && n > 0) {
-                double total = 0;
-                for (double v : nearest)
-                    total += v;
-                double r = std::uniform_real_distribution<double>(0, total)(random);
-                for (size_t i = 0; i < n; ++i) {
-                    r -= nearest[i];
-                    if (r <= 0) {
-                        chosen = i;
-                        break;
+    // Refits every state to the frames aligned to it: from k-means the first time, else
+    // from the present mixtures. Self loops follow the mean stay in each state.
+    void reestimate(int emSteps, size_t maxFrames) {
+        for (int c = 0; c < 8; ++c)
+            for (int j = 0; j < kShapeStates; ++j) {
+                std::vector<const Frame*> frames;
+                long entries = 0;
+                for (size_t u = 0; u < set_.size(); ++u)
+                    for (size_t t = 0; t < paths_[u].size(); ++t) {
+                        const AlignedFrame a = paths_[u][t];
+                        if (a.shape != c || a.state != j)
+                            continue;
+                        frames.push_back(&set_[u].frames[t]);
+                        const bool entered =
+                            t == 0 || paths_[u][t - 1].shape != a.shape || paths_[u][t - 1].state != a.state;
+                        entries += entered ? 1 : 0;
                     }
+                // Bounded work per state: an even subsample.
+                std::vector<const Frame*> used;
+                const size_t stride = std::max<size_t>(1, frames.size() / maxFrames + 1);
+                for (size_t k = 0; k < frames.size(); k += stride)
+                    used.push_back(frames[k]);
+                ShapeModel& model = models_[size_t(c)];
+                for (int s = 0; s < 4; ++s) {
+                    std::vector<const float*> data;
+                    for (const Frame* f : used)
+                        data.push_back(f->data() + kStreamOffsets[s]);
+                    Mixture& mixture = model.states[size_t(j)][size_t(s)];
+                    const bool fresh = mixture.parts.empty();
+                    mixture = FitMixture(data, kStreamWidths[s], fresh ? nullptr : &mixture, random_,
+                                         fresh ? emSteps + 1 : emSteps, fit_);
                 }
+                const double loop = frames.empty() ? 0.6 : 1.0 - double(entries) / double(frames.size());
+                model.selfLoop[size_t(j)] = std::clamp(loop, 0.5, 0.95);
             }
-            std::vector<double> c(size_t(d), 0.0);
-            for (int i = 0; i < d && n > 0; ++i)
-                c[size_t(i)] = data[chosen][i] + 1e-3 * k;
-            centres.push_back(c);
-            for (size_t p = 0; p < n; ++p) {
-                double dist = 0;
-                for (int i = 0; i < d; ++i)
-                    dist += (data[p][i] - c[size_t(i)]) * (data[p][i] - c[size_t(i)]) / pooledVar[size_t(i)];
-                nearest[p] = std::min(nearest[p], dist);
-            }
-        }
-        std::vector<int> owner(n, 0);
-        for (int step = 0; step < 12; ++step) {
-            std::vector<std::vector<double>> sums(kMixtures, std::vector<double>(size_t(d), 0.0));
-            std::vector<double> counts(kMixtures, 0.0);
-            for (size_t p = 0; p < n; ++p) {
-                double best = 1e300;
-                for (int k = 0; k < kMixtures; ++k) {
-                    double dist = 0;
-                    for (int i = 0; i < d; ++i)
-                        dist += (data[p][i] - centres[size_t(k)][size_t(i)]) *
-                                (data[p][i] - centres[size_t(k)][size_t(i)]) / pooledVar[size_t(i)];
-                    if (dist < best) {
-                        best = dist;
-                        owner[p] = k;
-                    }
-                }
-                counts[size_t(owner[p])] += 1;
-                for (int i = 0; i < d; ++i)
-                    sums[size_t(owner[p])][size_t(i)] += data[p][i];
-            }
-            for (int k = 0; k < kMixtures; ++k)
-                if (counts[size_t(k)] > 0)
-                    for (int i = 0; i < d; ++i)
-                        centres[size_t(k)][size_t(i)] = sums[size_t(k)][size_t(i)] / counts[size_t(k)];
-        }
-        m.parts.assign(kMixtures, Gaussian());
-        std::vector<std::vector<double>> sums(kMixtures, std::vector<double>(size_t(d), 0.0));
-        std::vector<std::vector<double>> scatters(kMixtures, std::vector<double>(size_t(d * d), 0.0));
-        std::vector<double> counts(kMixtures, 0.0);
-        for (size_t p = 0; p < n; ++p) {
-            const size_t k = size_t(owner[p]);
-            counts[k] += 1;
-            for (int i = 0; i < d; ++i) {
-                sums[k][size_t(i)] += data[p][i];
-                for (int j = 0; j < d; ++j)
-                    scatters[k][size_t(i * d + j)] += double(data[p][i]) * data[p][j];
-            }
-        }
-        for (size_t k = 0; k < size_t(kMixtures); ++k) {
-            if (counts[k] < 1) {
-                for (int i = 0; i < d; ++i) {
-                    sums[k][size_t(i)] = centres[k][size_t(i)];
-                    scatters[k][size_t(i * d + i)] =
-                        centres[k][size_t(i)] * centres[k][size_t(i)] + pooledVar[size_t(i)];
-                }
-                counts[k] = 1;
-            }
-            SetComponent(m.parts[k], d, counts[k], sums[k], scatters[k], pooledVar,
-                         double(std::max<size_t>(n, 1)));
-        }
     }
 
-    for (int step = 0; step < emSteps && n > 0; ++step) {
-        std::vector<std::vector<double>> sums(kMixtures, std::vector<double>(size_t(d), 0.0));
-        std::vector<std::vector<double>> scatters(kMixtures, std::vector<double>(size_t(d * d), 0.0));
-        std::vector<double> counts(kMixtures, 0.0);
-        double post[kMixtures];
-        for (const float* x : data) {
-            double best = -1e300, total = 0;
-            for (size_t k = 0; k < size_t(kMixtures); ++k) {
-                post[k] = std::log(m.parts[k].weight) + m.logDensity(m.parts[k], x);
-                best = std::max(best, post[k]);
-            }
-            for (size_t k = 0; k < size_t(kMixtures); ++k)
-                total += post[k] = std::exp(post[k] - best);
-            for (size_t k = 0; k < size_t(kMixtures); ++k) {
-                const double r = post[k] / total;
-                if (r < 1e-6)
-                    continue;
-                counts[k] += r;
-                for (int i = 0; i < d; ++i) {
-                    sums[k][size_t(i)] += r * x[i];
-                    for (int j = i; j < d; ++j)
-                        scatters[k][size_t(i * d + j)] += r * double(x[i]) * x[j];
-                }
-            }
-        }
-        for (size_t k = 0; k < size_t(kMixtures); ++k) {
-            for (int i = 0; i < d; ++i)
-                for (int j = 0; j < i; ++j)
-                    scatters[k][size_t(i * d + j)] = scatters[k][size_t(j * d + i)];
-            if (counts[k] < 0.5) // an empty component keeps its place with a tiny weight
-                continue;
-            SetComponent(m.parts[k], d, counts[k], sums[k], scatters[k], pooledVar, double(n));
-        }
-        double weights = 0;
-        for (const Gaussian& g : m.parts)
-            weights += g.weight;
-        for (Gaussian& g : m.parts)
-            g.weight /= weights;
-    }
-    return m;
-}
+    const std::vector<ShapeModel>& models() const { return models_; }
 
-struct ShapeModel {
-    std::array<std::array<Mixture, 4>, kStates> states;
-    std::array<double, kStates> selfLoop{0.6, 0.6, 0.6};
-    double emission(int state, const Frame& f) const {
-        double total = 0;
-        for (int s = 0; s < 4; ++s)
-            total += states[size_t(state)][size_t(s)].logLikelihood(f.data() + kOffsets[s]);
-        return total;
-    }
+private:
+    const std::vector<Utterance>& set_;
+    std::vector<std::vector<LabelRun>> runs_;
+    std::vector<std::vector<AlignedFrame>> paths_;
+    std::vector<ShapeModel> models_;
+    std::mt19937 random_;
+    FitSettings fit_;
 };
-
-struct Segment {
-    const Utterance* utt;
-    size_t start, length;
-};
-
-// Best left-to-right path of a segment through the three states; writes the state of each frame.
-void AlignSegment(const ShapeModel& model, const Segment& seg, std::vector<int>& states) {
-    const size_t n = seg.length;
-    states.assign(n, 0);
-    if (n < size_t(kStates)) {
-        for (size_t t = 0; t < n; ++t)
-            states[t] = int(t * kStates / n);
-        return;
-    }
-    std::vector<std::array<double, kStates>> score(n), emit(n);
-    std::vector<std::array<int, kStates>> from(n);
-    for (size_t t = 0; t < n; ++t)
-        for (int j = 0; j < kStates; ++j)
-            emit[t][size_t(j)] = model.emission(j, seg.utt->frames[seg.start + t]);
-    const double never = -1e300;
-    for (int j = 0; j < kStates; ++j)
-        score[0][size_t(j)] = j == 0 ? emit[0][0] : never;
-    for (size_t t = 1; t < n; ++t)
-        for (int j = 0; j < kStates; ++j) {
-            const double stay = score[t - 1][size_t(j)] + std::log(model.selfLoop[size_t(j)]);
-            const double move =
-                j > 0 ? score[t - 1][size_t(j - 1)] + std::log(1 - model.selfLoop[size_t(j - 1)]) : never;
-            score[t][size_t(j)] = std::max(stay, move) + emit[t][size_t(j)];
-            from[t][size_t(j)] = stay >= move ? j : j - 1;
-        }
-    int j = kStates - 1;
-    for (size_t t = n; t-- > 0;) {
-        states[t] = j;
-        if (t > 0)
-            j = from[t][size_t(j)];
-    }
-}
-
-ShapeModel TrainShape(const std::vector<Segment>& segments, int rounds, std::mt19937& random) {
-    ShapeModel model;
-    std::vector<std::vector<int>> alignment(segments.size());
-    for (size_t i = 0; i < segments.size(); ++i)
-        for (size_t t = 0; t < segments[i].length; ++t)
-            alignment[i].push_back(int(t * kStates / segments[i].length));
-    for (int round = 0; round <= rounds; ++round) {
-        if (round > 0)
-            for (size_t i = 0; i < segments.size(); ++i)
-                AlignSegment(model, segments[i], alignment[i]);
-        for (int j = 0; j < kStates; ++j) {
-            std::vector<const Frame*> frames;
-            for (size_t i = 0; i < segments.size(); ++i)
-                for (size_t t = 0; t < segments[i].length; ++t)
-                    if (alignment[i][t] == j)
-                        frames.push_back(&segments[i].utt->frames[segments[i].start + t]);
-            // Bounded work per state: an even subsample of at most 25,000 frames.
-            std::vector<const Frame*> used;
-            const size_t stride = std::max<size_t>(1, frames.size() / 25000 + 1);
-            for (size_t k = 0; k < frames.size(); k += stride)
-                used.push_back(frames[k]);
-            for (int s = 0; s < 4; ++s) {
-                std::vector<const float*> data;
-                for (const Frame* f : used)
-                    data.push_back(f->data() + kOffsets[s]);
-                const Mixture* previous = round > 0 ? &model.states[size_t(j)][size_t(s)] : nullptr;
-                model.states[size_t(j)][size_t(s)] =
-                    FitMixture(data, kWidths[s], previous, random, round == 0 ? 4 : 3);
-            }
-            const double count = double(frames.size());
-            const double loop = count > 0 ? 1.0 - double(segments.size()) / count : 0.6;
-            model.selfLoop[size_t(j)] = std::clamp(loop, 0.5, 0.95);
-        }
-    }
-    return model;
-}
 
 LipsyncModelParams ToParams(const ShapeModel& model) {
     LipsyncModelParams p;
     p.widths = {8, 8, 8, 3};
-    for (int j = 0; j < kStates; ++j) {
+    for (int j = 0; j < kShapeStates; ++j) {
         LipsyncStateModel state;
         state.streamWeights = {1, 1, 1, 1};
         for (int s = 0; s < 4; ++s) {
@@ -476,7 +381,7 @@ LipsyncModelParams ToParams(const ShapeModel& model) {
     }
     p.transitions.assign(5, std::vector<float>(5, 0.0f));
     p.transitions[0][1] = 1.0f;
-    for (int j = 0; j < kStates; ++j) {
+    for (int j = 0; j < kShapeStates; ++j) {
         const float loop = float(model.selfLoop[size_t(j)]);
         p.transitions[size_t(j + 1)][size_t(j + 1)] = loop;
         p.transitions[size_t(j + 1)][size_t(j + 2)] = 1.0f - loop;
@@ -540,75 +445,132 @@ std::vector<char> EnergyFrames(const Utterance& u, int fps, size_t count, double
     return out;
 }
 
+double Seconds(std::chrono::steady_clock::time_point since) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
+}
+
+VoicePool SeenVoices(double fliteShare) {
+    return {kSeenEspeak, kSeenFlite, fliteShare};
+}
+
 int RunTrain(int argc, char** argv) {
+    const auto started = std::chrono::steady_clock::now();
+    gCacheDir = Option(argc, argv, "--cache", "");
     const std::string dir = Option(argc, argv, "--sentences", "tools/lipsync-train/sentences");
     const std::string out = Option(argc, argv, "--out", "mouth_models.bin");
     const uint32_t seed = uint32_t(std::stoul(Option(argc, argv, "--seed", "20261123")));
-    const int utterances = std::stoi(Option(argc, argv, "--utterances", "600"));
-    const int rounds = std::stoi(Option(argc, argv, "--rounds", "3"));
-    std::vector<std::string> train, heldOut;
-    LoadCorpusText(dir, train, heldOut);
-    std::printf("sentences: %zu for training, %zu held out\n", train.size(), heldOut.size());
-    const std::vector<Utterance> set = MakeSet(train, kSeenVoices, utterances, seed);
+    const int utterances = std::stoi(Option(argc, argv, "--utterances", "1500"));
+    const int rounds = std::stoi(Option(argc, argv, "--rounds", "4"));
+    const int realign = std::stoi(Option(argc, argv, "--realign", "0"));
+    const int band = std::stoi(Option(argc, argv, "--band", "3"));
+    const int shiftAfter = std::stoi(Option(argc, argv, "--shift-after", "0"));
+    const int delay = std::stoi(Option(argc, argv, "--label-delay", "0")) * 8;
+    const double fliteShare = std::stod(Option(argc, argv, "--flite-share", "0.3"));
+    const size_t maxFrames = size_t(std::stoul(Option(argc, argv, "--max-frames", "25000")));
+    const CorpusText text = LoadCorpusText(dir);
+    std::printf("sentences: %zu for training, %zu for tuning, %zu for the test\n", text.train.size(),
+                text.dev.size(), text.test.size());
+    AugmentSpec augment;
+    augment.roomShare = std::stod(Option(argc, argv, "--room-share", "0"));
+    augment.warp = std::stod(Option(argc, argv, "--warp", "0"));
+    const std::vector<Utterance> set =
+        MakeSet(text.train, SeenVoices(fliteShare), utterances, seed, delay, augment);
     long frames = 0;
-    std::array<long, 8> perShape{};
-    std::array<std::vector<Segment>, 8> segments;
+    std::array<long, 8> perShape{}, segments{};
     for (const Utterance& u : set) {
         frames += long(u.frames.size());
-        for (size_t t = 0; t < u.labels.size();) {
-            size_t e = t;
-            while (e < u.labels.size() && u.labels[e] == u.labels[t])
-                ++e;
-            segments[size_t(u.labels[t])].push_back({&u, t, e - t});
-            perShape[size_t(u.labels[t])] += long(e - t);
-            t = e;
+        for (const LabelRun& run : RunsOfLabels(u.labels)) {
+            perShape[size_t(run.shape)] += long(run.end - run.begin);
+            ++segments[size_t(run.shape)];
         }
     }
-    std::printf("corpus: %zu utterances, %ld frames (%.1f minutes)\n", set.size(), frames, frames / 6000.0);
+    std::printf("corpus: %zu utterances, %ld frames (%.1f minutes), made in %.0f s\n", set.size(), frames,
+                frames / 6000.0, Seconds(started));
     for (int c = 0; c < 8; ++c)
-        std::printf("  %c: %ld frames, %zu segments\n", kShapes[c], perShape[size_t(c)],
-                    segments[size_t(c)].size());
-    std::mt19937 random(seed + 1);
+        std::printf("  %c: %ld frames, %ld segments\n", kShapes[c], perShape[size_t(c)], segments[size_t(c)]);
+
+    FitSettings fit;
+    fit.priorFrames = std::stod(Option(argc, argv, "--prior-frames", "16"));
+    fit.floor = std::stod(Option(argc, argv, "--var-floor", "0.02"));
+    Trainer trainer(set, seed + 1, fit, Option(argc, argv, "--split-b", "0") == "1");
+    trainer.reestimate(3, maxFrames);
+    for (int round = 1; round <= rounds; ++round) {
+        trainer.alignRuns();
+        trainer.reestimate(3, maxFrames);
+        std::printf("  segmental round %d done at %.0f s\n", round, Seconds(started));
+        std::fflush(stdout);
+    }
+    for (int round = 1; round <= realign; ++round) {
+        const double moved = trainer.alignUtterances(band);
+        trainer.reestimate(3, maxFrames);
+        std::printf("  embedded round %d: %.1f%% of frames off their label, done at %.0f s\n", round,
+                    100.0 * moved, Seconds(started));
+        std::fflush(stdout);
+    }
+    if (shiftAfter > 0) {
+        trainer.delayBoundaries(shiftAfter);
+        for (int round = 1; round <= 2; ++round) {
+            trainer.alignRuns();
+            trainer.reestimate(3, maxFrames);
+        }
+        std::printf("  boundaries moved %d frames later and trained again, done at %.0f s\n", shiftAfter,
+                    Seconds(started));
+    }
     std::vector<unsigned char> bytes;
     for (int c = 0; c < 8; ++c) {
-        const ShapeModel model = TrainShape(segments[size_t(c)], rounds, random);
+        const ShapeModel& model = trainer.models()[size_t(c)];
         const std::vector<unsigned char> one = LipsyncWriteModel(ToParams(model));
         bytes.insert(bytes.end(), one.begin(), one.end());
         std::printf("  model %c: self loops %.2f %.2f %.2f\n", kShapes[c], model.selfLoop[0],
                     model.selfLoop[1], model.selfLoop[2]);
-        std::fflush(stdout);
     }
     CheckModels(bytes);
     std::ofstream file(out, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()), long(bytes.size()));
-    std::printf("wrote %s: %zu bytes; energy threshold of the baseline %.2f\n", out.c_str(), bytes.size(),
-                EnergyThreshold(set));
+    std::printf("wrote %s: %zu bytes in %.0f s\n", out.c_str(), bytes.size(), Seconds(started));
     return file ? 0 : 1;
 }
 
 int RunEval(int argc, char** argv) {
+    gCacheDir = Option(argc, argv, "--cache", "");
     const std::string dir = Option(argc, argv, "--sentences", "tools/lipsync-train/sentences");
     const std::string modelsPath = Option(argc, argv, "--models", "");
     const uint32_t seed = uint32_t(std::stoul(Option(argc, argv, "--seed", "777")));
-    const int utterances = std::stoi(Option(argc, argv, "--utterances", "120"));
-    const bool unseen = Option(argc, argv, "--voices", "seen") == "unseen";
-    const double threshold = std::stod(Option(argc, argv, "--energy-threshold", "-6"));
+    const int utterances = std::stoi(Option(argc, argv, "--utterances", "150"));
+    const std::string setName = Option(argc, argv, "--set", "test");
+    const std::string voiceName = Option(argc, argv, "--voices", "seen");
+    const double fliteShare = std::stod(Option(argc, argv, "--flite-share", "0.3"));
     const int fps = 24;
+    if (setName != "dev" && setName != "test")
+        throw std::invalid_argument("--set takes dev or test");
+    VoicePool voices;
+    if (voiceName == "seen")
+        voices = SeenVoices(fliteShare);
+    else if (voiceName == "unseen")
+        voices = {{}, kUnseenFlite, 1.0};
+    else if (voiceName == "unseen-espeak")
+        voices = {kUnseenEspeak, {}, 0.0};
+    else
+        throw std::invalid_argument("--voices takes seen, unseen or unseen-espeak");
     if (!modelsPath.empty()) {
         std::ifstream file(modelsPath, std::ios::binary);
         std::vector<unsigned char> bytes((std::istreambuf_iterator<char>(file)),
                                          std::istreambuf_iterator<char>());
-        if (bytes.size() != 8 * 15292) {
-            std::fprintf(stderr, "%s: not a set of eight models\n", modelsPath.c_str());
-            return 1;
-        }
+        if (bytes.size() != 8 * 15292)
+            throw std::runtime_error(modelsPath + ": not a set of eight models");
         CheckModels(bytes);
     }
-    std::vector<std::string> train, heldOut;
-    LoadCorpusText(dir, train, heldOut);
+    const CorpusText text = LoadCorpusText(dir);
+    // The energy baseline's threshold comes from training sentences of the training voices.
+    AugmentSpec augment;
+    augment.roomShare = std::stod(Option(argc, argv, "--room-share", "0"));
+    const double threshold =
+        EnergyThreshold(MakeSet(text.train, SeenVoices(fliteShare), 100, seed + 1, 0, augment));
     const std::vector<Utterance> set =
-        MakeSet(heldOut, unseen ? kUnseenVoices : kSeenVoices, utterances, seed);
+        MakeSet(setName == "dev" ? text.dev : text.test, voices, utterances, seed, 0, augment);
     LipsyncScoreboard models, alwaysB, energy;
+    // How the agreement changes when the reference is taken earlier or later.
+    std::array<LipsyncScoreboard, 7> shifted;
     LipsyncExitRoutine previous = LipsyncSetExitRoutine(&LipsyncThrowingExit);
     for (const Utterance& u : set) {
         const std::vector<char> decoded = DecodeFrames(u.speech.samples, fps);
@@ -616,13 +578,20 @@ int RunEval(int argc, char** argv) {
         models.add(reference, decoded);
         alwaysB.add(reference, std::vector<char>(reference.size(), 'B'));
         energy.add(reference, EnergyFrames(u, fps, reference.size(), threshold));
+        for (size_t k = 0; k < shifted.size(); ++k)
+            shifted[k].add(ReferenceFrames(u.speech, fps, decoded.size(), (int(k) - 3) * 80), decoded);
     }
     LipsyncSetExitRoutine(previous);
-    const std::string title = std::string(unseen ? "unseen voices" : "seen voices") +
-                              ", held-out sentences, " + std::to_string(set.size()) + " utterances at 24 fps";
+    const std::string title = voiceName + " voices, " + setName + " sentences, " +
+                              std::to_string(set.size()) + " utterances at 24 fps";
     std::printf("%s", models.report("models: " + title).c_str());
-    std::printf("%s", alwaysB.report("baseline always B").c_str());
-    std::printf("%s", energy.report("baseline energy only").c_str());
+    std::printf("  accuracy with the reference moved by -30 .. +30 ms:");
+    for (const LipsyncScoreboard& s : shifted)
+        std::printf(" %.3f", s.accuracy());
+    std::printf("\n%s", alwaysB.report("baseline always B").c_str());
+    char line[64];
+    std::snprintf(line, sizeof line, "baseline energy only (X below %.2f)", threshold);
+    std::printf("%s", energy.report(line).c_str());
     return 0;
 }
 
