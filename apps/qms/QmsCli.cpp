@@ -3,13 +3,13 @@
 #include "core/UT_Format.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
-#include <sstream>
 #include <unistd.h>
 
 QmsArgs::QmsArgs(std::vector<std::string> words, const std::set<std::string>& valueOptions)
@@ -186,9 +186,10 @@ QmsJson& QmsJson::Value(double number) {
     if (!std::isfinite(number)) {
         out_ << "null";
     } else {
-        std::ostringstream s;
-        s << std::setprecision(17) << number;
-        out_ << s.str();
+        // The shortest text that reads back as the same double: 0.07, not 0.070000000000000007.
+        char text[32];
+        const auto end = std::to_chars(text, text + sizeof text, number).ptr;
+        out_.write(text, end - text);
     }
     return *this;
 }

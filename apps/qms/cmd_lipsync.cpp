@@ -71,8 +71,8 @@ int QmsRunLipsync(QmsContext& context, const std::vector<std::string>& words) {
         for (const LipsyncSegment& s : analysis.segments)
             json.BeginObject()
                 .Field("shape", std::string(1, s.letter))
-                .Field("start", double(s.start) * 1e-7)
-                .Field("duration", double(s.duration) * 1e-7)
+                .Field("start", double(s.start) / 1e7)
+                .Field("duration", double(s.duration) / 1e7)
                 .EndObject();
         json.EndArray().Field("frames", letters).EndObject();
         context.out << "\n";

@@ -4,8 +4,11 @@
 #include "qms/QmsCli.h"
 #include "qms/QmsJsonValue.h"
 
+#include <cmath>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -128,6 +131,30 @@ TEST(QmsJson, RandomDamageOnlyEverFails) {
         }
     }
     EXPECT_GT(refused, 1000);
+}
+
+TEST(QmsJson, NumbersAreWrittenShortAndReadBackExactly) {
+    std::ostringstream out;
+    QmsJson json(out);
+    json.BeginArray().Value(0.07).Value(-150.0).Value(1e-300).Value(std::nan("")).EndArray();
+    EXPECT_EQ(out.str(), "[0.07,-150,1e-300,null]\n");
+
+    std::mt19937_64 rng(5);
+    std::vector<double> written;
+    std::ostringstream many;
+    QmsJson list(many);
+    list.BeginArray();
+    for (int i = 0; i < 2000; ++i) {
+        double value;
+        do {
+            const uint64_t bits = rng();
+            std::memcpy(&value, &bits, sizeof value);
+        } while (!std::isfinite(value));
+        written.push_back(value);
+        list.Value(value);
+    }
+    list.EndArray();
+    EXPECT_EQ(QmsJsonNumbers(QmsJsonValue::Parse(many.str()), written.size(), "list"), written);
 }
 
 } // namespace
