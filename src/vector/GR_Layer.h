@@ -96,6 +96,8 @@ public:
     // Zones and components, built when they are not valid.
     bool ZonesValid() const { return zonesValid_; }
     void EnsureZones();
+    // Drops the zones; the next request builds them again.
+    void InvalidateZones();
     const std::vector<std::unique_ptr<GR_Zone>>& Zones();
     const std::vector<std::unique_ptr<GR_Component>>& Components();
     const std::vector<GR_Component*>& TopComponents();
@@ -135,7 +137,6 @@ private:
     // Moves the strokes' paths to the drawing's records, or back to a set of the layer's own.
     void Attach(GR_VectorDrawingObj* drawing);
     void Detach();
-    void InvalidateZones();
     void InsertEnd(const GR_StrokeEnd& end);
     void RemoveEnd(const GR_StrokeEnd& end);
     void BuildZones();

@@ -94,7 +94,8 @@ std::string GR_LayerSvg(GR_Layer& layer, const CM_PaletteList* palettes) {
         << Number(canvas.Height()) << "\" font-family=\"sans-serif\">\n"
         << "<defs><marker id=\"arrow\" viewBox=\"0 0 10 10\" refX=\"10\" refY=\"5\" markerWidth=\"8\" "
            "markerHeight=\"8\" orient=\"auto\"><path d=\"M0,0 L10,5 L0,10 z\" "
-           "fill=\"#000\"/></marker></defs>\n";
+           "fill=\"#000\"/></marker></defs>\n"
+        << "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n";
 
     // Bounded zones, outside first so that nested zones lie on top.
     svg << "<g id=\"zones\">\n";

@@ -8,6 +8,7 @@
 #include "vector/GR_DrawingAccess.h"
 #include "vector/GR_Layer.h"
 #include "vector/GR_LayerNode.h"
+#include "vector/GR_Listener.h"
 #include "vector/GR_VectorDrawingObj.h"
 #include "vector/GR_VectorStroke.h"
 #include "vector/VectorTypes.h"

@@ -244,11 +244,16 @@ void RecolorLongestBoundary(GR_Layer& layer) {
         if (zone->IsOuter()) {
             if (zone->component->parent)
                 continue;
-            zone->ForEachHalfEdge([&](const GR_StrokeEnd& h) {
-                if (h.LeftColor() && !h.RightColor() && !swap)
-                    h.SetRightColor(h.LeftColor());
+            // A colour found outside belongs to the zone across the stroke, if that side has
+            // none; a stroke with the outside on both sides keeps nothing.
+            std::vector<GR_StrokeEnd> cycle;
+            zone->ForEachHalfEdge([&](const GR_StrokeEnd& h) { cycle.push_back(h); });
+            if (!swap)
+                for (const GR_StrokeEnd& h : cycle)
+                    if (h.LeftColor() && !h.RightColor() && h.Twin().Zone() != zone.get())
+                        h.SetRightColor(h.LeftColor());
+            for (const GR_StrokeEnd& h : cycle)
                 h.SetLeftColor(nullptr);
-            });
             continue;
         }
         layer.SetZoneColor(*zone, LongestBoundaryColour(*zone));
