@@ -14,12 +14,18 @@
 #include "core/CPersistentType.h"
 #include "core/DB_Archive.h"
 #include "core/DB_Exception.h"
+#include "core/DB_FileContainer.h"
 #include "core/DB_MemFile.h"
 #include "core/UT_FileTransaction.h"
 #include "motion/C3DInterpolation.h"
 #include "motion/CCatmullCurve.h"
 #include "motion/CSpline.h"
 #include "motion/MotionTypes.h"
+#include "vector/GR_DrawingAccess.h"
+#include "vector/GR_Layer.h"
+#include "vector/GR_VectorDrawingObj.h"
+#include "vector/GR_VectorStroke.h"
+#include "vector/VectorTypes.h"
 
 #include <cmath>
 #include <filesystem>
@@ -85,6 +91,7 @@ protected:
     void SetUp() override {
         CoreRegisterTypes();
         MotionRegisterTypes();
+        VectorRegisterTypes();
         AnimationSetRegisterTypes();
     }
 };
@@ -415,8 +422,29 @@ protected:
         fs::create_directories(root / "Scene-001" / "Drawing");
     }
     void TearDown() override { fs::remove_all(root); }
+    // A drawing of one line whose end lies at x = marker.
+    static std::unique_ptr<GR_VectorDrawingObj> Drawing(uint8_t marker) {
+        auto drawing = std::make_unique<GR_VectorDrawingObj>();
+        GR_DrawingAccess access;
+        access.SetDrawing(drawing.get());
+        access.AddStrokes({GR_StrokeDesc(GR_BezierPath2d::Polyline({{0, 0}, {double(marker), 1}}),
+                                         GR_LineStyle(GR_LineStyle::kPenLine, 1, UT_UniqueId()))},
+                          0);
+        return drawing;
+    }
+    // The file of such a drawing.
     static std::vector<uint8_t> DrawingFile(uint8_t marker) {
-        return ByteBuilder().Header(1).U16(600).U32(1).U8(marker).Bytes();
+        DB_MemFile file;
+        DB_Archive archive(&file, false);
+        DB_FileContainer::WriteHeader(archive, DB_FileContainer::kVectorDrawing);
+        archive.WriteTyped(*Drawing(marker));
+        return BytesOf(file);
+    }
+    static float MarkerOf(GR_DrawingObj* drawing) {
+        auto* vector = dynamic_cast<GR_VectorDrawingObj*>(drawing);
+        if (!vector || !vector->FirstLayer() || !vector->FirstLayer()->FirstStroke())
+            return -1;
+        return vector->FirstLayer()->FirstStroke()->Path().points.back().x;
     }
     void Put(const std::string& name, const std::vector<uint8_t>& bytes) {
         std::ofstream(root / "Scene-001" / "Drawing" / name, std::ios::binary)
@@ -468,7 +496,7 @@ TEST_F(DrawingFilesTest, LazyLoadRenameAndSaveKeepOldFiles) {
     EXPECT_FALSE(openedCommon->FindDrawing(one)->HasDrawing());
     EXPECT_FALSE(openedCommon->FindDrawing(two)->HasDrawing());
     ASSERT_NE(openedCommon->FindDrawing(one)->GetDrawing(), nullptr);
-    EXPECT_EQ(openedCommon->FindDrawing(one)->GetDrawing()->bytes, DrawingFile('a'));
+    EXPECT_EQ(MarkerOf(openedCommon->FindDrawing(one)->GetDrawing()), 'a');
     EXPECT_FALSE(openedCommon->FindDrawing(two)->HasDrawing());
 
     // Saving unchanged drawings writes no file.
@@ -515,13 +543,51 @@ TEST_F(DrawingFilesTest, MissingFileGivesAnEmptyCellAndNoFile) {
     EXPECT_EQ(drawing->GetDrawing(), nullptr);
 }
 
+TEST_F(DrawingFilesTest, ModifiedDrawingsAreSavedThroughTheTransaction) {
+    auto level = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
+    level->SetFolder(UT_FilePath(root / "Scene-001"));
+    AS_CommonDrawingLevel* common = level->CommonDrawing();
+    common->AddDrawingWithId(1001, u"1")->SetDrawing(Drawing('x'));
+    common->AddDrawingWithId(1002, u"2");
+    SaveProject(*level);
+    EXPECT_EQ(Get("Arm-1.qmd"), DrawingFile('x'));
+    EXPECT_FALSE(fs::exists(root / "Scene-001" / "Drawing" / "Arm-2.qmd"));
+    AS_DopeSheetDrawingObj* entry = common->FindDrawing(1001);
+    EXPECT_TRUE(entry->HasFile());
+    EXPECT_FALSE(entry->GetDrawing()->IsModified());
+
+    // An edit marks the drawing; the next save writes it again, and only it.
+    GR_DrawingAccess access;
+    access.SetDrawing(dynamic_cast<GR_VectorDrawingObj*>(entry->GetDrawing()));
+    access.RemoveLayer({0, 0});
+    EXPECT_TRUE(entry->GetDrawing()->IsModified());
+    fs::remove(root / "Scene-001" / "Drawing" / "Arm-2.qmd");
+    SaveProject(*level);
+    EXPECT_EQ(Get("Arm-1.qmd"), ByteBuilder().Header(1).U16(202).U8(0).Bool(false).U32(0).Bytes());
+
+    // A project of an older version converts every drawing on saving, loaded or not.
+    Put("Arm-1.qmd", DrawingFile('y'));
+    common->ReleaseUnmodified();
+    EXPECT_FALSE(entry->HasDrawing());
+    fs::remove(root / "Scene-001" / "Drawing" / "Arm-1.qmd");
+    Put("Arm-1.qmd", DrawingFile('z'));
+    DB_MemFile file;
+    {
+        UT_FileTransaction::Handle transaction = UT_FileTransaction::Get();
+        DB_Archive archive(&file, false);
+        archive.SetConverting(true);
+        archive.WriteTyped(*level);
+        EXPECT_TRUE(transaction->Commit());
+    }
+    EXPECT_FALSE(entry->HasDrawing());
+    EXPECT_EQ(Get("Arm-1.qmd"), DrawingFile('z'));
+}
+
 TEST_F(DrawingFilesTest, EmbeddedFormCarriesTheDrawing) {
     auto level = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
     level->SetFolder(UT_FilePath(root / "Scene-001"));
     AS_DopeSheetDrawingObj* entry = level->CommonDrawing()->AddDrawingWithId(1001, u"1");
-    auto data = std::make_unique<AS_DrawingData>();
-    data->bytes = DrawingFile('q');
-    entry->SetDrawing(std::move(data));
+    entry->SetDrawing(Drawing('q'));
     AS_DopeSheetDrawingObj empty(u"2", 1002);
 
     DB_MemFile file;
@@ -530,14 +596,15 @@ TEST_F(DrawingFilesTest, EmbeddedFormCarriesTheDrawing) {
         entry->Write(archive);
         empty.Write(archive);
     }
+    const std::vector<uint8_t> drawingFile = DrawingFile('q');
+    // The drawing's typed object is what its file holds after the 33 bytes of the header.
+    const std::vector<uint8_t> typed(drawingFile.begin() + 33, drawingFile.end());
     const std::vector<uint8_t> expected = ByteBuilder()
                                               .Wide(u"1")
                                               .U32(1001)
                                               .Bool(false)
                                               .Bool(true)
-                                              .U16(600)
-                                              .U32(1)
-                                              .U8('q')
+                                              .Raw(typed)
                                               .Wide(u"2")
                                               .U32(1002)
                                               .Bool(false)
@@ -551,8 +618,18 @@ TEST_F(DrawingFilesTest, EmbeddedFormCarriesTheDrawing) {
     back.Read(reader);
     EXPECT_FALSE(back.HasFile());
     ASSERT_TRUE(back.HasDrawing());
-    EXPECT_EQ(back.GetDrawing()->bytes, DrawingFile('q'));
-    EXPECT_TRUE(back.GetDrawing()->modified);
+    EXPECT_EQ(MarkerOf(back.GetDrawing()), 'q');
+    EXPECT_TRUE(back.GetDrawing()->IsModified());
+
+    // Something else than a drawing in its place is refused.
+    const std::vector<uint8_t> wrong =
+        ByteBuilder().Wide(u"1").U32(1001).Bool(false).Bool(true).U16(600).U32(0).Bytes();
+    DB_MemFile bad;
+    bad.Write(wrong.data(), wrong.size());
+    bad.Rewind();
+    DB_Archive badReader(&bad, true);
+    AS_DopeSheetDrawingObj refused;
+    EXPECT_THROW(refused.Read(badReader), DB_Exception);
 }
 
 } // namespace
