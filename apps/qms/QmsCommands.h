@@ -25,3 +25,4 @@ int QmsRunPath(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunLipsync(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunGeom(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunImage(QmsContext& context, const std::vector<std::string>& words);
+int QmsRunDrawing(QmsContext& context, const std::vector<std::string>& words);
