@@ -70,7 +70,7 @@ LayerFacts FactsOf(GR_VectorDrawingObj& drawing, GR_Layer& layer) {
     facts.strokes = layer.StrokeCount();
     facts.vertices = layer.Vertices().size();
     facts.components = layer.Components().size();
-    for (const auto& zone : layer.Zones()) {
+    for (GR_Zone* zone : layer.Zones()) {
         if (zone->IsOuter())
             continue;
         ++facts.zones;

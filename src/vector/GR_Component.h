@@ -3,6 +3,7 @@
 #include "vector/GR_Box2d.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 class GR_VectorStroke;
@@ -22,7 +23,7 @@ public:
     GR_Box2d box;
     GR_Box2d knotBox;
     // Its strokes, in the order they were reached.
-    std::vector<GR_VectorStroke*> strokes;
+    std::span<GR_VectorStroke* const> strokes;
     // Position in the layer's vector of components.
     uint32_t index = 0;
 };

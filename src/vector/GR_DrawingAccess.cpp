@@ -60,7 +60,7 @@ void GR_DrawingAccess::RemoveListener(GR_Listener* listener) {
 }
 
 void GR_DrawingAccess::RefreshIndex() {
-    if (drawing_ && stamp_ != drawing_->GetStamp()) {
+    if (drawing_ && (stamp_ != drawing_->GetStamp() || index_.Outgrown())) {
         index_.Build(*drawing_);
         stamp_ = drawing_->GetStamp();
     }
@@ -519,6 +519,9 @@ void GR_DrawingAccess::Commit() {
     size_t rounds = 0;
     while (!pending_.empty()) {
         Apply();
+        // New strokes far beyond the grid would crowd its border cells.
+        if (index_.Outgrown())
+            index_.Build(*drawing_);
         if (++rounds > guard) {
             assert(!"the commit of a drawing did not come to an end");
             pending_.clear();

@@ -161,18 +161,19 @@ void GR_Layer::RemoveEnd(const GR_StrokeEnd& end) {
         found->second = following;
 }
 
+// The zone and component pointers of the strokes are left as they are: they are read only
+// while the zones are valid, and the next build sets them all.
 void GR_Layer::InvalidateZones() {
     boundsValid_ = false;
     if (!zonesValid_ && zones_.empty())
         return;
     zonesValid_ = false;
-    for (GR_VectorStroke* s = first_; s; s = s->next) {
-        s->zone[0] = s->zone[1] = nullptr;
-        s->component = nullptr;
-    }
     zones_.clear();
     components_.clear();
     topComponents_.clear();
+    zoneStore_.clear();
+    componentStore_.clear();
+    componentStrokes_.clear();
 }
 
 void GR_Layer::EnsureZones() {
@@ -182,12 +183,12 @@ void GR_Layer::EnsureZones() {
     }
 }
 
-const std::vector<std::unique_ptr<GR_Zone>>& GR_Layer::Zones() {
+const std::vector<GR_Zone*>& GR_Layer::Zones() {
     EnsureZones();
     return zones_;
 }
 
-const std::vector<std::unique_ptr<GR_Component>>& GR_Layer::Components() {
+const std::vector<GR_Component*>& GR_Layer::Components() {
     EnsureZones();
     return components_;
 }
@@ -276,7 +277,7 @@ bool GR_Layer::ZoneContains(const GR_Zone& zone, const GR_Point2d& point, bool w
 
 bool GR_Layer::CheckZoneColors() {
     EnsureZones();
-    for (const auto& zone : zones_) {
+    for (const GR_Zone* zone : zones_) {
         const GR_ColorRef colour = zone->Color();
         bool same = true;
         const auto check = [&](const GR_StrokeEnd& h) { same = same && SameColour(h.LeftColor(), colour); };
@@ -345,14 +346,12 @@ bool GR_Layer::CheckInvariants(std::string* report) const {
     // Zones.
     if (zonesValid_) {
         size_t halfEdges = 0;
-        std::set<const GR_Zone*> listed;
-        for (const auto& zone : zones_)
-            listed.insert(zone.get());
-        for (const auto& zone : zones_) {
+        std::set<const GR_Zone*> listed(zones_.begin(), zones_.end());
+        for (const GR_Zone* zone : zones_) {
             size_t length = 0;
             zone->ForEachHalfEdge([&](const GR_StrokeEnd& h) {
                 ++length;
-                if (h.Zone() != zone.get())
+                if (h.Zone() != zone)
                     fail("half-edge in two zones");
             });
             halfEdges += length;
@@ -362,12 +361,12 @@ bool GR_Layer::CheckInvariants(std::string* report) const {
         if (halfEdges != 2 * count_)
             fail("zones hold " + std::to_string(halfEdges) + " half-edges, expected " +
                  std::to_string(2 * count_));
-        for (const auto& component : components_) {
+        for (const GR_Component* component : components_) {
             std::set<GR_Point2f, PointLess> points;
             for (const GR_VectorStroke* s : component->strokes) {
                 points.insert(s->Path().points.front());
                 points.insert(s->Path().points.back());
-                if (s->component != component.get())
+                if (s->component != component)
                     fail("stroke names another component");
             }
             const long faces = static_cast<long>(component->inner.size()) + (component->outer ? 1 : 0);
@@ -377,11 +376,11 @@ bool GR_Layer::CheckInvariants(std::string* report) const {
                 fail("Euler's formula fails for component " + std::to_string(component->index) +
                      ": V - E + F = " + std::to_string(euler));
             for (const GR_Zone* zone : component->inner)
-                if (zone->component != component.get() || !listed.count(zone))
+                if (zone->component != component || !listed.count(zone))
                     fail("inner zone of another component");
             if (component->parent &&
                 std::find(component->parent->children.begin(), component->parent->children.end(),
-                          component.get()) == component->parent->children.end())
+                          component) == component->parent->children.end())
                 fail("component missing from its parent's children");
         }
     }

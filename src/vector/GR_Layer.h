@@ -98,8 +98,9 @@ public:
     void EnsureZones();
     // Drops the zones; the next request builds them again.
     void InvalidateZones();
-    const std::vector<std::unique_ptr<GR_Zone>>& Zones();
-    const std::vector<std::unique_ptr<GR_Component>>& Components();
+    // All zones and components in nesting order: a zone stands after the zones around it.
+    const std::vector<GR_Zone*>& Zones();
+    const std::vector<GR_Component*>& Components();
     const std::vector<GR_Component*>& TopComponents();
     // The deepest bounded zone that holds the point (non-zero rule), or nullptr.
     GR_Zone* ZoneAt(const GR_Point2d& point);
@@ -151,8 +152,14 @@ private:
     VertexMap vertices_;
     bool zonesValid_ = false;
     std::vector<GR_Component*> topComponents_;
-    std::vector<std::unique_ptr<GR_Component>> components_;
-    std::vector<std::unique_ptr<GR_Zone>> zones_;
+    std::vector<GR_Component*> components_;
+    std::vector<GR_Zone*> zones_;
+    // The zones and components themselves, in the order they were made, with room for as
+    // many as the strokes can make, so that their places never move while they are built;
+    // the strokes of every component lie in one vector.
+    std::vector<GR_Zone> zoneStore_;
+    std::vector<GR_Component> componentStore_;
+    std::vector<GR_VectorStroke*> componentStrokes_;
     GR_Box2d bounds_;
     bool boundsValid_ = false;
     uint32_t identifier_ = 0;

@@ -99,7 +99,7 @@ std::string GR_LayerSvg(GR_Layer& layer, const CM_PaletteList* palettes) {
 
     // Bounded zones, outside first so that nested zones lie on top.
     svg << "<g id=\"zones\">\n";
-    for (const auto& zone : layer.Zones()) {
+    for (GR_Zone* zone : layer.Zones()) {
         if (zone->IsOuter())
             continue;
         std::vector<GR_StrokeEnd> cycle;
@@ -115,11 +115,11 @@ std::string GR_LayerSvg(GR_Layer& layer, const CM_PaletteList* palettes) {
                 svg << (first ? "M" : " L") << Number(q.x) << "," << Number(q.y);
                 first = false;
             }
-        svg << " Z\"><title>" << ZoneName(zone.get()) << "</title></path>\n";
+        svg << " Z\"><title>" << ZoneName(zone) << "</title></path>\n";
         const GR_Point2d centre =
             canvas.Map({(zone->box.xmin + zone->box.xmax) / 2, (zone->box.ymin + zone->box.ymax) / 2});
         svg << "<text x=\"" << Number(centre.x) << "\" y=\"" << Number(centre.y)
-            << "\" font-size=\"14\" fill=\"#004000\">" << ZoneName(zone.get()) << "</text>\n";
+            << "\" font-size=\"14\" fill=\"#004000\">" << ZoneName(zone) << "</text>\n";
     }
     svg << "</g>\n";
 

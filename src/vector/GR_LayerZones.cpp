@@ -5,7 +5,6 @@
 #include "vector/GR_VectorStroke.h"
 
 #include <algorithm>
-#include <set>
 
 namespace {
 
@@ -54,35 +53,31 @@ GR_Zone* FindOuterZone(GR_Component& component) {
     scan.Add(a);
     scan.Add(z);
     const GR_Point2d direction = z - a;
-    const uint64_t mark = GR_VectorStroke::NewMark();
     double furthest = -1.0;
     GR_StrokeEnd found;
-    GR_Zone* lastLooked = nullptr;
     std::vector<GR_LineCrossing> crossings;
-    for (GR_Zone* zone : component.inner) {
-        if (!zone->box.Overlaps(scan))
+    // Every stroke whose box reaches the segment is cut with it; the others cannot cross it.
+    for (GR_VectorStroke* s : component.strokes) {
+        const GR_Box2d& box = s->SharedPath()->Bounds();
+        if (box.xmax < scan.xmin || box.xmin > scan.xmax || box.ymax < scan.ymin || box.ymin > scan.ymax)
             continue;
-        lastLooked = zone;
-        zone->ForEachHalfEdge([&](const GR_StrokeEnd& h) {
-            GR_VectorStroke* s = h.stroke;
-            if (s->mark == mark)
-                return;
-            s->mark = mark;
-            if (!s->SharedPath()->Bounds().Overlaps(scan))
-                return;
-            crossings.clear();
-            s->Path().LineCrossings(a, z, crossings);
-            for (const GR_LineCrossing& c : crossings) {
-                if (c.line <= furthest)
-                    continue;
-                furthest = c.line;
-                found = {s, static_cast<uint8_t>(GR_Cross(c.direction, direction) < 0.0 ? 1 : 0)};
-            }
-        });
+        crossings.clear();
+        s->Path().LineCrossings(a, z, crossings);
+        for (const GR_LineCrossing& c : crossings) {
+            if (c.line <= furthest)
+                continue;
+            furthest = c.line;
+            found = {s, static_cast<uint8_t>(GR_Cross(c.direction, direction) < 0.0 ? 1 : 0)};
+        }
     }
     if (!found.IsNull())
         return found.Zone();
-    return lastLooked ? lastLooked : component.inner.back();
+    // Without a crossing, the last zone that reaches the segment.
+    GR_Zone* lastLooked = component.inner.back();
+    for (GR_Zone* zone : component.inner)
+        if (zone->box.Overlaps(scan))
+            lastLooked = zone;
+    return lastLooked;
 }
 
 struct NestEvent {
@@ -106,27 +101,30 @@ void GR_Layer::BuildZones() {
     zones_.clear();
     components_.clear();
     topComponents_.clear();
-    for (GR_VectorStroke* s = first_; s; s = s->next) {
-        s->zone[0] = s->zone[1] = nullptr;
-        s->component = nullptr;
-    }
+    zoneStore_.clear();
+    componentStore_.clear();
+    componentStrokes_.clear();
+    zoneStore_.reserve(2 * count_);
+    componentStore_.reserve(count_);
+    componentStrokes_.reserve(count_);
 
     // 1. Components: strokes reached from one another through their rings.
-    std::vector<std::unique_ptr<GR_Component>> components;
     const uint64_t mark = GR_VectorStroke::NewMark();
     std::vector<GR_VectorStroke*> stack;
     for (GR_VectorStroke* s = first_; s; s = s->next) {
         if (s->mark == mark)
             continue;
-        auto component = std::make_unique<GR_Component>();
-        component->index = static_cast<uint32_t>(components.size());
+        GR_Component& component = componentStore_.emplace_back();
+        component.index = static_cast<uint32_t>(componentStore_.size() - 1);
+        const size_t begin = componentStrokes_.size();
         s->mark = mark;
         stack.assign(1, s);
         while (!stack.empty()) {
             GR_VectorStroke* t = stack.back();
             stack.pop_back();
-            component->strokes.push_back(t);
-            t->component = component.get();
+            componentStrokes_.push_back(t);
+            t->component = &component;
+            t->zone[0] = t->zone[1] = nullptr;
             for (uint8_t e = 0; e < 2; ++e) {
                 const GR_StrokeEnd start{t, e};
                 for (GR_StrokeEnd k = start.Next(); k != start; k = k.Next())
@@ -136,79 +134,90 @@ void GR_Layer::BuildZones() {
                     }
             }
         }
-        components.push_back(std::move(component));
+        component.strokes = std::span<GR_VectorStroke* const>(componentStrokes_.data() + begin,
+                                                              componentStrokes_.size() - begin);
     }
 
     // 2. Zones: each half-edge once, in stroke order, walked into its cycle.
-    std::vector<std::unique_ptr<GR_Zone>> zones;
     for (GR_VectorStroke* s = first_; s; s = s->next)
         for (uint8_t e = 0; e < 2; ++e) {
             if (s->zone[e])
                 continue;
-            auto zone = std::make_unique<GR_Zone>();
-            zone->index = static_cast<uint32_t>(zones.size());
-            zone->first = {s, e};
-            zone->component = s->component;
-            GR_StrokeEnd h = zone->first;
+            GR_Zone& zone = zoneStore_.emplace_back();
+            zone.index = static_cast<uint32_t>(zoneStore_.size() - 1);
+            zone.first = {s, e};
+            zone.component = s->component;
+            GR_StrokeEnd h = zone.first;
             do {
-                h.stroke->zone[h.end] = zone.get();
-                zone->box.Merge(h.stroke->SharedPath()->Bounds());
-                zone->knotBox.Merge(h.stroke->SharedPath()->KnotBounds());
+                h.stroke->zone[h.end] = &zone;
+                const GR_SharedPath& path = *h.stroke->SharedPath();
+                zone.box.Merge(path.Bounds());
+                zone.knotBox.Merge(path.KnotBounds());
                 h = h.NextInZone();
-            } while (h != zone->first);
-            GR_Component& component = *zone->component;
-            component.inner.push_back(zone.get());
-            component.box.Merge(zone->box);
-            component.knotBox.Merge(zone->knotBox);
-            zones.push_back(std::move(zone));
+            } while (h != zone.first);
+            GR_Component& component = *zone.component;
+            component.inner.push_back(&zone);
+            component.box.Merge(zone.box);
+            component.knotBox.Merge(zone.knotBox);
         }
 
     // 3. The outer cycle of each component.
-    for (auto& component : components) {
-        if (component->inner.size() == 1) {
-            component->outer = component->inner.front();
-            component->inner.clear();
-        } else if (component->inner.size() > 1) {
-            GR_Zone* outer = FindOuterZone(*component);
+    for (GR_Component& component : componentStore_) {
+        if (component.inner.size() == 1) {
+            component.outer = component.inner.front();
+            component.inner.clear();
+        } else if (component.inner.size() > 1) {
+            GR_Zone* outer = FindOuterZone(component);
             if (outer) {
-                component->outer = outer;
-                std::erase(component->inner, outer);
+                component.outer = outer;
+                std::erase(component.inner, outer);
             }
         }
     }
 
     // 4. Nesting, by a sweep over the boxes in x: a component lies in the innermost zone of
-    // another component that holds its test point.
+    // another component that holds its test point. The zones whose x range the sweep is in
+    // are kept in a vector, with each zone's place in it.
     std::vector<NestEvent> events;
-    for (auto& component : components) {
-        if (!component->knotBox.empty)
-            events.push_back({component->knotBox.xmin, component->knotBox.ymin, 0, component->index + 1});
-        for (GR_Zone* zone : component->inner) {
+    for (GR_Component& component : componentStore_) {
+        if (!component.knotBox.empty)
+            events.push_back({component.knotBox.xmin, component.knotBox.ymin, 0, component.index + 1});
+        for (GR_Zone* zone : component.inner) {
             events.push_back({zone->box.xmin, zone->box.ymin, zone->index + 1, 0});
             events.push_back({zone->box.xmax, zone->box.ymin, zone->index + 1, 0});
         }
     }
     std::sort(events.begin(), events.end());
-    std::set<uint32_t> active;
+    std::vector<GR_Zone*> active;
+    std::vector<int32_t> place(zoneStore_.size(), -1);
     for (const NestEvent& event : events) {
         if (event.zoneKey != 0) {
-            if (!active.erase(event.zoneKey - 1))
-                active.insert(event.zoneKey - 1);
+            const uint32_t index = event.zoneKey - 1;
+            if (place[index] < 0) {
+                place[index] = static_cast<int32_t>(active.size());
+                active.push_back(&zoneStore_[index]);
+            } else {
+                GR_Zone* moved = active.back();
+                active[place[index]] = moved;
+                place[moved->index] = place[index];
+                active.pop_back();
+                place[index] = -1;
+            }
             continue;
         }
-        GR_Component& component = *components[event.componentKey - 1];
+        GR_Component& component = componentStore_[event.componentKey - 1];
         if (!component.outer)
             continue;
         const GR_Point2d test = component.outer->first.stroke->Path().Point(0);
         GR_Zone* best = nullptr;
         double bestX = 0.0;
-        for (uint32_t index : active) {
-            GR_Zone& zone = *zones[index];
-            if (zone.component == &component || !StrictlyInside(component.knotBox, zone.box))
+        for (GR_Zone* zone : active) {
+            if (zone->component == &component || !StrictlyInside(component.knotBox, zone->box))
                 continue;
             double x = 0.0;
-            if (ZoneContains(zone, test, true, &x) && (!best || x < bestX)) {
-                best = &zone;
+            if (ZoneContains(*zone, test, true, &x) &&
+                (!best || x < bestX || (x == bestX && zone->index < best->index))) {
+                best = zone;
                 bestX = x;
             }
         }
@@ -220,16 +229,14 @@ void GR_Layer::BuildZones() {
 
     // 5. Depth first from the top components: a component, its outer zone, then each inner
     // zone followed by what is nested in it. A zone always stands after the zones around it.
-    std::vector<GR_Component*> flatComponents;
-    std::vector<GR_Zone*> flatZones;
-    std::vector<bool> placed(components.size(), false);
+    std::vector<bool> placed(componentStore_.size(), false);
     const auto flatten = [&](GR_Component* top) {
         std::vector<std::pair<GR_Component*, GR_Zone*>> work{{top, nullptr}};
         while (!work.empty()) {
             auto [component, zone] = work.back();
             work.pop_back();
             if (zone) {
-                flatZones.push_back(zone);
+                zones_.push_back(zone);
                 for (size_t i = zone->children.size(); i-- > 0;)
                     work.push_back({zone->children[i], nullptr});
                 continue;
@@ -237,35 +244,28 @@ void GR_Layer::BuildZones() {
             if (placed[component->index])
                 continue;
             placed[component->index] = true;
-            flatComponents.push_back(component);
+            components_.push_back(component);
             if (component->outer)
-                flatZones.push_back(component->outer);
+                zones_.push_back(component->outer);
             for (size_t i = component->inner.size(); i-- > 0;)
                 work.push_back({nullptr, component->inner[i]});
         }
     };
-    for (auto& component : components)
-        if (!component->parent) {
-            topComponents_.push_back(component.get());
-            flatten(component.get());
+    for (GR_Component& component : componentStore_)
+        if (!component.parent) {
+            topComponents_.push_back(&component);
+            flatten(&component);
         }
     // Damaged data can nest components in a circle; such a component becomes a top one.
-    for (auto& component : components)
-        if (!placed[component->index]) {
-            std::erase(component->parent->children, component.get());
-            component->parent = nullptr;
-            topComponents_.push_back(component.get());
-            flatten(component.get());
+    for (GR_Component& component : componentStore_)
+        if (!placed[component.index]) {
+            std::erase(component.parent->children, &component);
+            component.parent = nullptr;
+            topComponents_.push_back(&component);
+            flatten(&component);
         }
-
-    for (GR_Zone* zone : flatZones) {
-        const uint32_t created = zone->index;
-        zone->index = static_cast<uint32_t>(zones_.size());
-        zones_.push_back(std::move(zones[created]));
-    }
-    for (GR_Component* component : flatComponents) {
-        const uint32_t created = component->index;
-        component->index = static_cast<uint32_t>(components_.size());
-        components_.push_back(std::move(components[created]));
-    }
+    for (size_t i = 0; i < zones_.size(); ++i)
+        zones_[i]->index = static_cast<uint32_t>(i);
+    for (size_t i = 0; i < components_.size(); ++i)
+        components_[i]->index = static_cast<uint32_t>(i);
 }

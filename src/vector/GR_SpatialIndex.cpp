@@ -12,11 +12,21 @@ void GR_SpatialIndex::Clear() {
     cells_.clear();
     columns_ = rows_ = 0;
     size_ = 0;
+    content_ = GR_Box2d();
+}
+
+bool GR_SpatialIndex::Outgrown() const {
+    if (content_.empty || cells_.empty())
+        return false;
+    const double width = columns_ * cell_, height = rows_ * cell_;
+    return content_.xmin < x0_ - width / 4 || content_.ymin < y0_ - height / 4 ||
+           content_.xmax > x0_ + width * 1.25 || content_.ymax > y0_ + height * 1.25;
 }
 
 void GR_SpatialIndex::Setup(const GR_Box2d& bounds) {
     cells_.clear();
     size_ = 0;
+    content_ = GR_Box2d();
     if (bounds.empty || !std::isfinite(bounds.xmin) || !std::isfinite(bounds.xmax) ||
         !std::isfinite(bounds.ymin) || !std::isfinite(bounds.ymax)) {
         x0_ = y0_ = 0.0;
@@ -72,6 +82,7 @@ void GR_SpatialIndex::Insert(GR_VectorStroke* stroke) {
         for (uint32_t x = r.x0; x <= r.x1; ++x)
             cells_[size_t(y) * columns_ + x].push_back(stroke);
     ++size_;
+    content_.Merge(box);
 }
 
 void GR_SpatialIndex::Remove(GR_VectorStroke* stroke) {

@@ -23,6 +23,9 @@ public:
     void Insert(GR_VectorStroke* stroke);
     void Remove(GR_VectorStroke* stroke);
     size_t Size() const { return size_; }
+    // True when the strokes entered since the last build reach well beyond the grid, so that
+    // its border cells fill up: time to build it again.
+    bool Outgrown() const;
 
     // The strokes whose box meets the box grown by the radius, by serial.
     void Query(const GR_Box2d& box, double radius, std::vector<GR_VectorStroke*>& out) const;
@@ -41,4 +44,6 @@ private:
     uint32_t columns_ = 0, rows_ = 0;
     std::vector<std::vector<GR_VectorStroke*>> cells_;
     size_t size_ = 0;
+    // The union of the boxes of all strokes entered.
+    GR_Box2d content_;
 };

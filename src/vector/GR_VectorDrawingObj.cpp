@@ -294,7 +294,7 @@ void GR_VectorDrawingObj::Write(DB_Archive& archive) {
     std::map<UT_UniqueId, CM_BaseColorObj*> colours;
     if (auto* palettes = static_cast<CM_PaletteList*>(archive.Context())) {
         for (GR_Layer* layer = FirstLayer(); layer; layer = NextLayer(layer)) {
-            for (const auto& zone : layer->Zones())
+            for (GR_Zone* zone : layer->Zones())
                 if (const GR_ColorRef& colour = zone->Color())
                     colours.emplace(colour->GetId(), palettes->Resolve(colour->GetId()));
             for (const GR_VectorStroke* s = layer->FirstStroke(); s; s = s->next)

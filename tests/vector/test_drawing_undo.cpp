@@ -251,9 +251,9 @@ private:
         case 7:
         case 8: {
             std::vector<GR_Zone*> zones;
-            for (const auto& zone : layer->Zones())
+            for (GR_Zone* zone : layer->Zones())
                 if (!zone->IsOuter())
-                    zones.push_back(zone.get());
+                    zones.push_back(zone);
             if (!zones.empty())
                 access_.SetZoneColor(zones[Pick(0, static_cast<int>(zones.size()) - 1)], RandomColour());
             break;

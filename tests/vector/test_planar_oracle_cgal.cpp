@@ -75,7 +75,7 @@ Summary OfLayer(GR_Layer& layer) {
     s.edges = layer.StrokeCount();
     s.components = layer.Components().size();
     s.topComponents = layer.TopComponents().size();
-    for (const auto& zone : layer.Zones()) {
+    for (GR_Zone* zone : layer.Zones()) {
         if (zone->IsOuter())
             continue;
         std::vector<GR_StrokeEnd> cycle;

@@ -7,6 +7,7 @@
 #include "vector/GR_SpatialIndex.h"
 #include "vector/GR_VectorStroke.h"
 
+#include <algorithm>
 #include <map>
 #include <vector>
 
@@ -23,48 +24,53 @@ size_t RankOf(const LayerRanks& ranks, const GR_StrokeEnd& h) {
 
 // The signed counts of (layer, colour) pairs met on the way in. Layers sort by drawing
 // order, colours by reference; null colours are not counted, and an entry that comes back
-// to 0 is dropped.
+// to 0 is dropped. It rarely holds more than a few entries: a sorted vector.
 class Tally {
 public:
     struct Entry {
-        int count = 0;
+        size_t rank;
+        uint64_t serial;
+        int count;
         GR_ColorRef colour;
     };
-    using Key = std::pair<size_t, uint64_t>;
 
     void Add(size_t rank, const GR_ColorRef& colour, int delta) {
         if (!colour)
             return;
-        const Key key{rank, colour->Serial()};
-        Entry& entry = entries_[key];
-        entry.colour = colour;
-        entry.count += delta;
-        if (entry.count == 0)
-            entries_.erase(key);
+        const uint64_t serial = colour->Serial();
+        auto it =
+            std::lower_bound(entries_.begin(), entries_.end(), std::make_pair(rank, serial),
+                             [](const Entry& e, const std::pair<size_t, uint64_t>& key) {
+                                 return e.rank < key.first || (e.rank == key.first && e.serial < key.second);
+                             });
+        if (it == entries_.end() || it->rank != rank || it->serial != serial) {
+            entries_.insert(it, Entry{rank, serial, delta, colour});
+            return;
+        }
+        it->count += delta;
+        if (it->count == 0)
+            entries_.erase(it);
     }
 
     // The colour of a zone and the layer it comes from; a null colour when there is none.
     GR_ColorRef Choose(uint32_t mode, size_t& rank) const {
         if (entries_.empty())
             return nullptr;
-        auto last = std::prev(entries_.end());
+        const Entry& last = entries_.back();
         if (mode != 3) {
-            rank = last->first.first;
-            return last->second.colour;
+            rank = last.rank;
+            return last.colour;
         }
-        auto best = last;
-        for (auto it = last; it->first.first == last->first.first; --it) {
-            if (it->second.count > best->second.count)
-                best = it;
-            if (it == entries_.begin())
-                break;
-        }
-        rank = best->first.first;
-        return best->second.count > 0 ? best->second.colour : nullptr;
+        const Entry* best = &last;
+        for (size_t i = entries_.size(); i-- > 0 && entries_[i].rank == last.rank;)
+            if (entries_[i].count > best->count)
+                best = &entries_[i];
+        rank = best->rank;
+        return best->count > 0 ? best->colour : nullptr;
     }
 
 private:
-    std::map<Key, Entry> entries_;
+    std::vector<Entry> entries_;
 };
 
 class KeepZones {
@@ -240,7 +246,7 @@ void RecolorLongestBoundary(GR_Layer& layer) {
     if (swap)
         for (GR_VectorStroke* s = layer.FirstStroke(); s; s = s->next)
             std::swap(s->colour[0], s->colour[1]);
-    for (const auto& zone : layer.Zones()) {
+    for (GR_Zone* zone : layer.Zones()) {
         if (zone->IsOuter()) {
             if (zone->component->parent)
                 continue;
@@ -250,7 +256,7 @@ void RecolorLongestBoundary(GR_Layer& layer) {
             zone->ForEachHalfEdge([&](const GR_StrokeEnd& h) { cycle.push_back(h); });
             if (!swap)
                 for (const GR_StrokeEnd& h : cycle)
-                    if (h.LeftColor() && !h.RightColor() && h.Twin().Zone() != zone.get())
+                    if (h.LeftColor() && !h.RightColor() && h.Twin().Zone() != zone)
                         h.SetRightColor(h.LeftColor());
             for (const GR_StrokeEnd& h : cycle)
                 h.SetLeftColor(nullptr);
@@ -266,8 +272,20 @@ void CleanLayer(GR_Layer& layer, const CM_PaletteList* palettes, GR_SpatialIndex
     // had on its far side.
     std::vector<GR_VectorStroke*> removed, copies;
     const uint64_t inRun = GR_VectorStroke::NewMark();
+    // Only the rings where an end is followed by the same curve hold a run.
+    std::vector<GR_StrokeEnd> heads;
+    for (GR_VectorStroke* s = layer.FirstStroke(); s; s = s->next)
+        for (uint8_t e = 0; e < 2; ++e) {
+            const GR_StrokeEnd end{s, e}, next = end.Next();
+            if (next.stroke != s && end.SameCurve(next))
+                heads.push_back(layer.VertexAt(end.Point()));
+        }
+    std::sort(heads.begin(), heads.end(), [](const GR_StrokeEnd& a, const GR_StrokeEnd& b) {
+        return GR_Layer::PointLess()(a.Point(), b.Point());
+    });
+    heads.erase(std::unique(heads.begin(), heads.end()), heads.end());
     std::vector<GR_StrokeEnd> ring;
-    for (const auto& [point, head] : layer.Vertices()) {
+    for (const GR_StrokeEnd& head : heads) {
         ring.clear();
         GR_StrokeEnd walk = head;
         do {
