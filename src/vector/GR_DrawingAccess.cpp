@@ -130,9 +130,9 @@ GR_VectorStroke* GR_DrawingAccess::AddStroke(const GR_StrokeDesc& desc, GR_Layer
         return nullptr;
     EnsureEditing();
     GR_SharedPathSet& paths = drawing_->Paths();
-    // A path that is not finite enters as an empty one: degenerate, dropped at the commit.
+    // A path out of reach enters as an empty one: degenerate, dropped at the commit.
     GR_SharedPath* record =
-        GR_SharedPathSet::IsFinite(desc) ? paths.Intern(desc) : paths.Intern(GR_BezierPath2d());
+        GR_SharedPathSet::IsUsable(desc) ? paths.Intern(desc) : paths.Intern(GR_BezierPath2d());
     auto* stroke =
         new GR_VectorStroke(record, desc.colour0, desc.colour1, desc.style, desc.endFlag0, desc.endFlag1);
     stroke->committedLayer = stroke->targetLayer = layer;

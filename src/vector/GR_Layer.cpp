@@ -52,7 +52,7 @@ GR_SharedPathSet& GR_Layer::Paths() {
 }
 
 GR_VectorStroke* GR_Layer::AddStroke(const GR_StrokeDesc& desc) {
-    if (!GR_SharedPathSet::IsFinite(desc))
+    if (!GR_SharedPathSet::IsUsable(desc))
         return nullptr;
     auto* stroke = new GR_VectorStroke(Paths().Intern(desc), desc.colour0, desc.colour1, desc.style,
                                        desc.endFlag0, desc.endFlag1);
@@ -442,7 +442,7 @@ void GR_Layer::Read(DB_Archive& archive) {
             table.read.push_back(record);
             path = record->Path();
         }
-        if (!GR_SharedPathSet::IsFinite(path))
+        if (!GR_SharedPathSet::IsUsable(path))
             archive.ThrowUnexpected();
         auto* stroke = new GR_VectorStroke(Paths().Intern(path), std::move(colour0), std::move(colour1),
                                            GR_LineStyle(kind, width, lineColour), endFlag0, endFlag1);

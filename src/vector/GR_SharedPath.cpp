@@ -59,9 +59,10 @@ GR_BezierPath2d GR_SharedPathSet::NormalForm(const GR_BezierPath2d& path) {
     return normal;
 }
 
-bool GR_SharedPathSet::IsFinite(const GR_BezierPath2d& path) {
+bool GR_SharedPathSet::IsUsable(const GR_BezierPath2d& path) {
+    // Written so that a NaN fails too.
     for (const GR_Point2f& p : path.points)
-        if (!std::isfinite(p.x) || !std::isfinite(p.y))
+        if (!(std::abs(p.x) <= kMaxCoordinate) || !(std::abs(p.y) <= kMaxCoordinate))
             return false;
     return true;
 }

@@ -70,8 +70,12 @@ public:
     // The form in which a path enters a drawing: every coordinate rounded to the grid,
     // degenerate segments removed, the knot list turned into a uniform step where possible.
     static GR_BezierPath2d NormalForm(const GR_BezierPath2d& path);
-    // True when every coordinate is a finite number.
-    static bool IsFinite(const GR_BezierPath2d& path);
+    // No drawing reaches this far from its origin (the reference width is 5000 units). The
+    // cost of cutting a curve grows with its size over the chord rule's 32 units, so a path
+    // beyond it is no drawing data at all.
+    static constexpr double kMaxCoordinate = 131072.0;
+    // True when every coordinate is a number within kMaxCoordinate of the origin.
+    static bool IsUsable(const GR_BezierPath2d& path);
 
     // The record of the path's normal form, made when there is none. The path must be finite.
     GR_SharedPath* Intern(const GR_BezierPath2d& path);

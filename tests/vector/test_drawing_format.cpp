@@ -406,6 +406,12 @@ TEST_F(FormatTest, CorruptStructuresGiveAClearMessage) {
     PlainStroke(notANumber, 4, 1, 0).Bool(false);
     TwoPointPath(notANumber, 0, 0, std::nanf(""), 0);
     EXPECT_EQ(fails(notANumber.U32(0).U32(0).Bytes()), unexpected);
+    // A point far beyond any drawing, which would make cutting the curve take forever.
+    ByteBuilder faraway;
+    faraway.U16(kDrawingType).U8(0).Bool(true).U32(2).Bool(true).U16(0).U32(1);
+    PlainStroke(faraway, 4, 1, 0).Bool(false);
+    faraway.U16(4).U8(0x09).F32(0).F32(0).F32(3e30f).F32(-2e31f).F32(-1e31f).F32(4e30f).F32(5).F32(5);
+    EXPECT_EQ(fails(faraway.U32(0).U32(0).Bytes()), unexpected);
     // A stroke count that the stream cannot hold.
     ByteBuilder huge;
     huge.U16(kDrawingType).U8(0).Bool(true).U32(2).Bool(true).U16(0).U32(0x7FFFFFFF);

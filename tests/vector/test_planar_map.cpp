@@ -204,6 +204,10 @@ TEST(PlanarMap, DegenerateStrokesAreNeverAdded) {
     // Points that round to the same grid point.
     EXPECT_EQ(layer.AddStroke(Line(1, 1, 1.0001, 1)), nullptr);
     EXPECT_EQ(layer.AddStroke(Line(0, 0, std::nan(""), 1)), nullptr);
+    // Far beyond any drawing: no drawing data.
+    EXPECT_EQ(layer.AddStroke(Line(0, 0, 1e30, 1)), nullptr);
+    EXPECT_NE(layer.AddStroke(Line(0, 0, GR_SharedPathSet::kMaxCoordinate, 1)), nullptr);
+    layer.DeleteStroke(layer.FirstStroke());
     EXPECT_EQ(layer.StrokeCount(), 0u);
     EXPECT_EQ(layer.Paths().Size(), 0u);
 }
