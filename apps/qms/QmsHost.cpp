@@ -1,7 +1,8 @@
 #include "QmsHost.h"
 
 #include "QmsCli.h"
-
+#include "animationset/CAnimationSetObj.h"
+#include "animationset/CDopeSheetObj.h"
 #include "animationset/CNewAnimationDlg.h"
 #include "animationset/CSketchrunDoc.h"
 
@@ -20,4 +21,19 @@ void QmsOpenProject(CSketchrunDoc& document, const std::string& path) {
 void QmsSaveProject(CSketchrunDoc& document) {
     if (!document.Save())
         throw QmsFailure(std::string()); // the error collector has shown why
+}
+
+CDopeSheetObj& QmsSceneArgument(const CAnimationSetObj& set, const std::string& text) {
+    const bool numeric = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+    if (numeric && text.size() <= 10) {
+        const uint64_t id = std::stoull(text);
+        if (id <= UINT32_MAX)
+            if (CDopeSheetObj* scene = set.FindScene(static_cast<uint32_t>(id)))
+                return *scene;
+    }
+    const UT_WString name = UT_FromUtf8(text);
+    for (CDopeSheetObj* scene : set.Sequence())
+        if (scene->Name() == name)
+            return *scene;
+    throw QmsFailure("There is no scene '" + text + "' in the project; 'qms scene list' shows the scenes.");
 }

@@ -16,6 +16,8 @@ public:
     void SetWaitCursor(bool) override {}
 };
 
+class CAnimationSetObj;
+class CDopeSheetObj;
 class CSketchrunDoc;
 
 // Opens the project at `path` through the document's Open flow; throws QmsFailure (the
@@ -23,3 +25,6 @@ class CSketchrunDoc;
 void QmsOpenProject(CSketchrunDoc& document, const std::string& path);
 // Saves through the document's Save flow; throws QmsFailure when the save failed.
 void QmsSaveProject(CSketchrunDoc& document);
+// The scene that `text` names, by id or, failing that, by name; throws QmsFailure when
+// there is none.
+CDopeSheetObj& QmsSceneArgument(const CAnimationSetObj& set, const std::string& text);

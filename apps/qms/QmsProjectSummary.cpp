@@ -35,6 +35,16 @@ void PrintOrderText(std::ostream& out, const char* title, const CDopeSheetObj& s
 
 } // namespace
 
+void QmsPrintOrdersText(std::ostream& out, const CDopeSheetObj& scene) {
+    PrintOrderText(out, "drawing order", scene, scene.DrawingOrder());
+    PrintOrderText(out, "sceneplanning order", scene, scene.SceneplanningOrder());
+}
+
+void QmsPrintOrdersJson(QmsJson& json, const CDopeSheetObj& scene) {
+    PrintOrderJson(json, "drawingOrder", scene.DrawingOrder());
+    PrintOrderJson(json, "sceneplanningOrder", scene.SceneplanningOrder());
+}
+
 void QmsPrintProject(QmsContext& context, const CSketchrunDoc& document) {
     const CAnimationSetObj& set = *document.Set();
     if (context.json) {
@@ -63,8 +73,7 @@ void QmsPrintProject(QmsContext& context, const CSketchrunDoc& document) {
                     .EndObject();
             }
             json.EndArray();
-            PrintOrderJson(json, "drawingOrder", scene->DrawingOrder());
-            PrintOrderJson(json, "sceneplanningOrder", scene->SceneplanningOrder());
+            QmsPrintOrdersJson(json, *scene);
             json.EndObject();
         }
         json.EndArray();
@@ -87,7 +96,6 @@ void QmsPrintProject(QmsContext& context, const CSketchrunDoc& document) {
             out << "    element " << entry.level->GetId() << " kind " << entry.level->GetKind() << " \""
                 << UT_ToUtf8(entry.level->GetDisplayName()) << "\"\n";
         }
-        PrintOrderText(out, "drawing order", *scene, scene->DrawingOrder());
-        PrintOrderText(out, "sceneplanning order", *scene, scene->SceneplanningOrder());
+        QmsPrintOrdersText(out, *scene);
     }
 }

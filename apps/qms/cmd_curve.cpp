@@ -15,6 +15,7 @@
 //           "velocity": curve (catmull, default the new peg's: 0 to 100, eased)}
 
 #include "QmsCommands.h"
+#include "QmsJsonValue.h"
 #include "core/DB_Archive.h"
 #include "core/DB_BufferFile.h"
 #include "core/DB_File.h"
@@ -26,7 +27,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <fstream>
 #include <iomanip>
 #include <optional>
@@ -34,172 +34,18 @@
 
 namespace {
 
-// ---- A small JSON reader: enough for curve descriptions. ----
-
-struct JsonValue {
-    enum class Type { Null, Bool, Number, String, Array, Object } type = Type::Null;
-    bool flag = false;
-    double number = 0.0;
-    std::string text;
-    std::vector<JsonValue> items;
-    // Members of an object: names[i] names values[i].
-    std::vector<std::string> names;
-    std::vector<JsonValue> values;
-
-    const JsonValue* Find(const std::string& key) const {
-        for (size_t i = 0; i < names.size(); ++i) {
-            if (names[i] == key)
-                return &values[i];
-        }
-        return nullptr;
-    }
-};
-
-class JsonReader {
-public:
-    explicit JsonReader(const std::string& text) : text_(text) {}
-
-    JsonValue ParseDocument() {
-        JsonValue value = Parse(0);
-        SkipSpace();
-        if (pos_ != text_.size())
-            Fail("unexpected text after the end");
-        return value;
-    }
-
-private:
-    [[noreturn]] void Fail(const std::string& what) const {
-        throw QmsFailure("bad JSON at offset " + std::to_string(pos_) + ": " + what);
-    }
-    void SkipSpace() {
-        while (pos_ < text_.size() && std::isspace(static_cast<unsigned char>(text_[pos_])))
-            ++pos_;
-    }
-    bool Take(char c) {
-        SkipSpace();
-        if (pos_ < text_.size() && text_[pos_] == c) {
-            ++pos_;
-            return true;
-        }
-        return false;
-    }
-    void Expect(char c) {
-        if (!Take(c))
-            Fail(std::string("expected '") + c + "'");
-    }
-    bool TakeWord(const char* word) {
-        const size_t n = std::strlen(word);
-        if (text_.compare(pos_, n, word) != 0)
-            return false;
-        pos_ += n;
-        return true;
-    }
-    std::string ParseString() {
-        Expect('"');
-        std::string out;
-        while (pos_ < text_.size() && text_[pos_] != '"') {
-            char c = text_[pos_++];
-            if (c == '\\') {
-                if (pos_ >= text_.size())
-                    break;
-                c = text_[pos_++];
-                if (c == 'n')
-                    c = '\n';
-                else if (c == 't')
-                    c = '\t';
-                else if (c != '"' && c != '\\' && c != '/')
-                    Fail("unsupported escape");
-            }
-            out += c;
-        }
-        if (pos_ >= text_.size())
-            Fail("unterminated string");
-        ++pos_;
-        return out;
-    }
-    JsonValue Parse(int depth) {
-        if (depth > 32)
-            Fail("nested too deeply");
-        SkipSpace();
-        if (pos_ >= text_.size())
-            Fail("unexpected end");
-        JsonValue value;
-        const char c = text_[pos_];
-        if (c == '{') {
-            ++pos_;
-            value.type = JsonValue::Type::Object;
-            if (Take('}'))
-                return value;
-            do {
-                SkipSpace();
-                std::string key = ParseString();
-                Expect(':');
-                value.names.push_back(std::move(key));
-                value.values.push_back(Parse(depth + 1));
-            } while (Take(','));
-            Expect('}');
-        } else if (c == '[') {
-            ++pos_;
-            value.type = JsonValue::Type::Array;
-            if (Take(']'))
-                return value;
-            do {
-                value.items.push_back(Parse(depth + 1));
-            } while (Take(','));
-            Expect(']');
-        } else if (c == '"') {
-            value.type = JsonValue::Type::String;
-            value.text = ParseString();
-        } else if (TakeWord("true")) {
-            value.type = JsonValue::Type::Bool;
-            value.flag = true;
-        } else if (TakeWord("false")) {
-            value.type = JsonValue::Type::Bool;
-        } else if (TakeWord("null")) {
-            value.type = JsonValue::Type::Null;
-        } else {
-            const char* start = text_.c_str() + pos_;
-            char* end = nullptr;
-            value.number = std::strtod(start, &end);
-            if (end == start || !std::isfinite(value.number))
-                Fail("expected a value");
-            value.type = JsonValue::Type::Number;
-            pos_ += static_cast<size_t>(end - start);
-        }
-        return value;
-    }
-
-    const std::string& text_;
-    size_t pos_ = 0;
-};
-
-double Number(const JsonValue& value, const std::string& what) {
-    if (value.type != JsonValue::Type::Number)
-        throw QmsFailure(what + " must be a number");
-    return value.number;
-}
-
-std::vector<double> Numbers(const JsonValue& value, size_t count, const std::string& what) {
-    if (value.type != JsonValue::Type::Array || value.items.size() != count)
-        throw QmsFailure(what + " must be an array of " + std::to_string(count) + " numbers");
-    std::vector<double> numbers;
-    for (const JsonValue& item : value.items)
-        numbers.push_back(Number(item, what));
-    return numbers;
-}
-
-std::string Kind(const JsonValue& description, const char* fallback) {
-    const JsonValue* kind = description.Find("kind");
+std::string Kind(const QmsJsonValue& description, const char* fallback) {
+    const QmsJsonValue* kind = description.Find("kind");
     if (!kind)
         return fallback;
-    if (kind->type != JsonValue::Type::String)
+    if (kind->type != QmsJsonValue::Type::String)
         throw QmsFailure("\"kind\" must be a string");
     return kind->text;
 }
 
-const JsonValue& Keys(const JsonValue& description, size_t minimum) {
-    const JsonValue* keys = description.Find("keys");
-    if (!keys || keys->type != JsonValue::Type::Array)
+const QmsJsonValue& Keys(const QmsJsonValue& description, size_t minimum) {
+    const QmsJsonValue* keys = description.Find("keys");
+    if (!keys || keys->type != QmsJsonValue::Type::Array)
         throw QmsFailure("the description needs an array \"keys\"");
     if (keys->items.size() < minimum)
         throw QmsFailure("at least " + std::to_string(minimum) + " keys are needed");
@@ -217,7 +63,7 @@ struct CurveHolder {
     std::unique_ptr<CurveHolder> reference;
 };
 
-std::unique_ptr<CurveHolder> BuildCurve(const JsonValue& description, int depth = 0);
+std::unique_ptr<CurveHolder> BuildCurve(const QmsJsonValue& description, int depth = 0);
 
 // The velocity curve that a new peg of the given length gets.
 std::unique_ptr<CurveHolder> DefaultVelocity(double lastFrame) {
@@ -227,22 +73,22 @@ std::unique_ptr<CurveHolder> DefaultVelocity(double lastFrame) {
     return holder;
 }
 
-std::unique_ptr<CurveHolder> BuildCurve(const JsonValue& description, int depth) {
-    if (description.type != JsonValue::Type::Object)
+std::unique_ptr<CurveHolder> BuildCurve(const QmsJsonValue& description, int depth) {
+    if (description.type != QmsJsonValue::Type::Object)
         throw QmsFailure("a curve description must be a JSON object");
     if (depth > 4)
         throw QmsFailure("reference curves nested too deeply");
     const std::string kind = Kind(description, "spline");
-    const JsonValue& keys = Keys(description, 2);
+    const QmsJsonValue& keys = Keys(description, 2);
     std::vector<double> xs, ys;
-    for (const JsonValue& key : keys.items) {
-        if (key.type == JsonValue::Type::Array) {
-            const std::vector<double> xy = Numbers(key, 2, "a key [x, y]");
+    for (const QmsJsonValue& key : keys.items) {
+        if (key.type == QmsJsonValue::Type::Array) {
+            const std::vector<double> xy = QmsJsonNumbers(key, 2, "a key [x, y]");
             xs.push_back(xy[0]);
             ys.push_back(xy[1]);
-        } else if (key.type == JsonValue::Type::Object && key.Find("x") && key.Find("y")) {
-            xs.push_back(Number(*key.Find("x"), "\"x\""));
-            ys.push_back(Number(*key.Find("y"), "\"y\""));
+        } else if (key.type == QmsJsonValue::Type::Object && key.Find("x") && key.Find("y")) {
+            xs.push_back(QmsJsonNumber(*key.Find("x"), "\"x\""));
+            ys.push_back(QmsJsonNumber(*key.Find("y"), "\"y\""));
         } else {
             throw QmsFailure("a key must be [x, y] or {\"x\": .., \"y\": ..}");
         }
@@ -257,7 +103,7 @@ std::unique_ptr<CurveHolder> BuildCurve(const JsonValue& description, int depth)
     } else if (kind == "interpolation") {
         holder->curve = std::make_unique<CInterpolation>();
     } else if (kind == "velocity") {
-        const JsonValue* reference = description.Find("reference");
+        const QmsJsonValue* reference = description.Find("reference");
         holder->reference = reference ? BuildCurve(*reference, depth + 1) : DefaultVelocity(xs.back());
         holder->curve = std::make_unique<CVelocityBased>(&holder->reference->curve);
     } else {
@@ -269,21 +115,21 @@ std::unique_ptr<CurveHolder> BuildCurve(const JsonValue& description, int depth)
         curve.GetKey(static_cast<int>(i))->x = xs[i];
     if (curve.HasHandles()) {
         int preset = CSpline::kLinear;
-        if (const JsonValue* p = description.Find("preset")) {
-            const double n = Number(*p, "\"preset\"");
+        if (const QmsJsonValue* p = description.Find("preset")) {
+            const double n = QmsJsonNumber(*p, "\"preset\"");
             if (n != std::floor(n) || n < 0 || n > 6)
                 throw QmsFailure("\"preset\" must be a whole number from 0 to 6");
             preset = static_cast<int>(n);
         }
         curve.ReshapeAll(preset);
         for (size_t i = 0; i < keys.items.size(); ++i) {
-            const JsonValue& key = keys.items[i];
+            const QmsJsonValue& key = keys.items[i];
             CFunctionPoint& point = *curve.GetKey(static_cast<int>(i));
             for (const char* side : {"in", "out"}) {
-                const JsonValue* handle = key.Find(side);
+                const QmsJsonValue* handle = key.Find(side);
                 if (!handle)
                     continue;
-                const std::vector<double> xy = Numbers(*handle, 2, std::string("\"") + side + "\"");
+                const std::vector<double> xy = QmsJsonNumbers(*handle, 2, std::string("\"") + side + "\"");
                 CUIControlPoint* target = side[0] == 'i' ? point.GetInHandle() : point.GetOutHandle();
                 target->Set(xy[0], xy[1]);
             }
@@ -304,25 +150,25 @@ struct PathKey {
     float tcb[3] = {0.0f, 0.0f, 0.0f};
 };
 
-std::vector<PathKey> PathKeys(const JsonValue& description) {
+std::vector<PathKey> PathKeys(const QmsJsonValue& description) {
     std::vector<PathKey> result;
-    for (const JsonValue& key : Keys(description, 2).items) {
+    for (const QmsJsonValue& key : Keys(description, 2).items) {
         PathKey k;
-        if (key.type == JsonValue::Type::Array) {
-            const std::vector<double> v = Numbers(key, 4, "a key [frame, x, y, z]");
+        if (key.type == QmsJsonValue::Type::Array) {
+            const std::vector<double> v = QmsJsonNumbers(key, 4, "a key [frame, x, y, z]");
             k.frame = v[0];
             k.position.Set(v[1], v[2], v[3]);
-        } else if (key.type == JsonValue::Type::Object && key.Find("frame") && key.Find("pos")) {
-            k.frame = Number(*key.Find("frame"), "\"frame\"");
-            const std::vector<double> p = Numbers(*key.Find("pos"), 3, "\"pos\"");
+        } else if (key.type == QmsJsonValue::Type::Object && key.Find("frame") && key.Find("pos")) {
+            k.frame = QmsJsonNumber(*key.Find("frame"), "\"frame\"");
+            const std::vector<double> p = QmsJsonNumbers(*key.Find("pos"), 3, "\"pos\"");
             k.position.Set(p[0], p[1], p[2]);
-            if (const JsonValue* locked = key.Find("locked")) {
-                if (locked->type != JsonValue::Type::Bool)
+            if (const QmsJsonValue* locked = key.Find("locked")) {
+                if (locked->type != QmsJsonValue::Type::Bool)
                     throw QmsFailure("\"locked\" must be true or false");
                 k.locked = locked->flag;
             }
-            if (const JsonValue* tcb = key.Find("tcb")) {
-                const std::vector<double> shape = Numbers(*tcb, 3, "\"tcb\"");
+            if (const QmsJsonValue* tcb = key.Find("tcb")) {
+                const std::vector<double> shape = QmsJsonNumbers(*tcb, 3, "\"tcb\"");
                 for (int i = 0; i < 3; ++i) {
                     if (shape[static_cast<size_t>(i)] < -1.0 || shape[static_cast<size_t>(i)] > 1.0)
                         throw QmsFailure("tension, continuity and bias lie within -1 ... 1");
@@ -352,8 +198,8 @@ void ApplyShape(C3DFunctionPoint& key, const PathKey& from) {
     }
 }
 
-std::unique_ptr<PathHolder> BuildPath(const JsonValue& description) {
-    if (description.type != JsonValue::Type::Object)
+std::unique_ptr<PathHolder> BuildPath(const QmsJsonValue& description) {
+    if (description.type != QmsJsonValue::Type::Object)
         throw QmsFailure("a path description must be a JSON object");
     const std::string kind = Kind(description, "catmull");
     const std::vector<PathKey> keys = PathKeys(description);
@@ -361,12 +207,12 @@ std::unique_ptr<PathHolder> BuildPath(const JsonValue& description) {
     const auto f0 = static_cast<int16_t>(keys.front().frame);
     const auto f1 = static_cast<int16_t>(keys.back().frame);
     if (kind == "catmull") {
-        const JsonValue* velocity = description.Find("velocity");
+        const QmsJsonValue* velocity = description.Find("velocity");
         holder->velocity = velocity ? BuildCurve(*velocity) : DefaultVelocity(f1 - f0);
         auto path = std::make_unique<CCatmullCurve>(f0, keys.front().position, f1, keys.back().position,
                                                     &holder->velocity->curve, 0);
-        if (const JsonValue* smoothness = description.Find("smoothness")) {
-            const double n = Number(*smoothness, "\"smoothness\"");
+        if (const QmsJsonValue* smoothness = description.Find("smoothness")) {
+            const double n = QmsJsonNumber(*smoothness, "\"smoothness\"");
             if (n != std::floor(n) || n < 1 || n > C3DFunction::kMaxSmoothness)
                 throw QmsFailure("\"smoothness\" must be a whole number from 1 to " +
                                  std::to_string(C3DFunction::kMaxSmoothness));
@@ -431,7 +277,7 @@ std::unique_ptr<CurveHolder> LoadCurve(const std::string& source) {
     std::vector<uint8_t> stored;
     const std::string text = ReadSource(source, stored);
     if (!text.empty())
-        return BuildCurve(JsonReader(text).ParseDocument());
+        return BuildCurve(QmsJsonValue::Parse(text));
     std::unique_ptr<CPersistentObjBase> object = ReadStored(stored, source);
     auto* curve = dynamic_cast<CFunctionBase*>(object.get());
     if (!curve)
@@ -452,7 +298,7 @@ std::unique_ptr<PathHolder> LoadPath(const std::string& source, const std::optio
     const std::string text = ReadSource(source, stored);
     std::unique_ptr<PathHolder> holder;
     if (!text.empty()) {
-        holder = BuildPath(JsonReader(text).ParseDocument());
+        holder = BuildPath(QmsJsonValue::Parse(text));
     } else {
         std::unique_ptr<CPersistentObjBase> object = ReadStored(stored, source);
         auto* path = dynamic_cast<C3DFunction*>(object.get());

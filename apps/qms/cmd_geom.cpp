@@ -6,174 +6,52 @@
 // of points (straight edges) or {"points": [[x, y], ...], "knots": [0, 3, ...]}.
 
 #include "QmsCommands.h"
+#include "QmsJsonValue.h"
 #include "vector/GR_BezierFlattener.h"
 #include "vector/GR_BezierPath2d.h"
 #include "vector/GR_BezierPath2dFitter.h"
 
-#include <cctype>
 #include <cmath>
-#include <cstring>
 #include <fstream>
 #include <iomanip>
-#include <map>
 #include <memory>
 #include <sstream>
 
 namespace {
 
-// Just enough JSON for the input: numbers, strings, arrays, objects, true, false, null.
-struct JsonValue {
-    enum Kind { kNull, kBool, kNumber, kString, kArray, kObject } kind = kNull;
-    double number = 0.0;
-    std::string text;
-    std::vector<JsonValue> items;
-    std::map<std::string, JsonValue> members;
-};
-
-class JsonReader {
-public:
-    explicit JsonReader(const std::string& text) : text_(text) {}
-
-    JsonValue Document() {
-        JsonValue value = Value(0);
-        Space();
-        if (pos_ != text_.size())
-            Fail("unexpected text after the end");
-        return value;
-    }
-
-private:
-    [[noreturn]] void Fail(const std::string& what) const {
-        throw QmsFailure("bad JSON input at byte " + std::to_string(pos_) + ": " + what);
-    }
-    void Space() {
-        while (pos_ < text_.size() && std::isspace(static_cast<unsigned char>(text_[pos_])))
-            ++pos_;
-    }
-    bool Take(char c) {
-        Space();
-        if (pos_ < text_.size() && text_[pos_] == c) {
-            ++pos_;
-            return true;
-        }
-        return false;
-    }
-    void Expect(char c) {
-        if (!Take(c))
-            Fail(std::string("expected '") + c + "'");
-    }
-    JsonValue Value(int depth) {
-        if (depth > 64)
-            Fail("nested too deeply");
-        Space();
-        if (pos_ >= text_.size())
-            Fail("unexpected end");
-        JsonValue v;
-        const char c = text_[pos_];
-        if (c == '[') {
-            ++pos_;
-            v.kind = JsonValue::kArray;
-            if (!Take(']')) {
-                do
-                    v.items.push_back(Value(depth + 1));
-                while (Take(','));
-                Expect(']');
-            }
-        } else if (c == '{') {
-            ++pos_;
-            v.kind = JsonValue::kObject;
-            if (!Take('}')) {
-                do {
-                    Space();
-                    const std::string key = String();
-                    Expect(':');
-                    v.members[key] = Value(depth + 1);
-                } while (Take(','));
-                Expect('}');
-            }
-        } else if (c == '"') {
-            v.kind = JsonValue::kString;
-            v.text = String();
-        } else if (Word("true")) {
-            v.kind = JsonValue::kBool;
-            v.number = 1.0;
-        } else if (Word("false")) {
-            v.kind = JsonValue::kBool;
-        } else if (Word("null")) {
-        } else {
-            const char* start = text_.c_str() + pos_;
-            char* end = nullptr;
-            v.number = std::strtod(start, &end);
-            if (end == start)
-                Fail("expected a value");
-            pos_ += static_cast<size_t>(end - start);
-            v.kind = JsonValue::kNumber;
-        }
-        return v;
-    }
-    bool Word(const char* word) {
-        const size_t n = std::strlen(word);
-        if (text_.compare(pos_, n, word) != 0)
-            return false;
-        pos_ += n;
-        return true;
-    }
-    std::string String() {
-        if (pos_ >= text_.size() || text_[pos_] != '"')
-            Fail("expected a string");
-        ++pos_;
-        std::string out;
-        while (pos_ < text_.size() && text_[pos_] != '"') {
-            if (text_[pos_] == '\\' && pos_ + 1 < text_.size())
-                ++pos_;
-            out += text_[pos_++];
-        }
-        if (pos_ >= text_.size())
-            Fail("unterminated string");
-        ++pos_;
-        return out;
-    }
-
-    const std::string& text_;
-    size_t pos_ = 0;
-};
-
-GR_Point2d ReadPoint(const JsonValue& v) {
-    if (v.kind != JsonValue::kArray || v.items.size() != 2 || v.items[0].kind != JsonValue::kNumber ||
-        v.items[1].kind != JsonValue::kNumber)
+GR_Point2d ReadPoint(const QmsJsonValue& v) {
+    if (v.type != QmsJsonValue::Type::Array || v.items.size() != 2 ||
+        v.items[0].type != QmsJsonValue::Type::Number || v.items[1].type != QmsJsonValue::Type::Number)
         throw QmsFailure("a point must be [x, y] with two numbers");
     return {v.items[0].number, v.items[1].number};
 }
 
-GR_BezierPath2d ReadPath(const JsonValue& v) {
-    const JsonValue* pointList = &v;
-    const JsonValue* knotList = nullptr;
-    if (v.kind == JsonValue::kObject) {
-        const auto points = v.members.find("points");
-        if (points == v.members.end())
+GR_BezierPath2d ReadPath(const QmsJsonValue& v) {
+    const QmsJsonValue* pointList = &v;
+    const QmsJsonValue* knotList = nullptr;
+    if (v.type == QmsJsonValue::Type::Object) {
+        pointList = v.Find("points");
+        if (!pointList)
             throw QmsFailure("a path object needs \"points\"");
-        pointList = &points->second;
-        const auto knots = v.members.find("knots");
-        if (knots != v.members.end())
-            knotList = &knots->second;
+        knotList = v.Find("knots");
     }
-    if (pointList->kind != JsonValue::kArray)
+    if (pointList->type != QmsJsonValue::Type::Array)
         throw QmsFailure("a path must be a list of points");
     std::vector<GR_Point2d> points;
-    for (const JsonValue& p : pointList->items)
+    for (const QmsJsonValue& p : pointList->items)
         points.push_back(ReadPoint(p));
     if (points.size() > GR_BezierPath2d::kMaxPoints)
         throw QmsFailure("a path holds at most 65536 points");
     GR_BezierPath2d path = GR_BezierPath2d::Polyline(points);
     if (knotList) {
-        if (knotList->kind != JsonValue::kArray)
+        if (knotList->type != QmsJsonValue::Type::Array)
             throw QmsFailure("\"knots\" must be a list of point indices");
         path.step = 0;
         path.knots.clear();
-        for (const JsonValue& k : knotList->items) {
+        for (const QmsJsonValue& k : knotList->items) {
             const double index = k.number;
             const double previous = path.knots.empty() ? -1.0 : path.knots.back();
-            if (k.kind != JsonValue::kNumber || index != std::floor(index) || index <= previous ||
+            if (k.type != QmsJsonValue::Type::Number || index != std::floor(index) || index <= previous ||
                 index >= static_cast<double>(points.size()) || (previous >= 0.0 && index - previous > 3.0))
                 throw QmsFailure("knots must be increasing point indices at most 3 apart");
             path.knots.push_back(static_cast<uint16_t>(index));
@@ -193,13 +71,13 @@ std::vector<GR_BezierPath2d> ReadInput(const std::string& file) {
     std::stringstream buffer;
     buffer << in.rdbuf();
     const std::string text = buffer.str();
-    const JsonValue document = JsonReader(text).Document();
+    const QmsJsonValue document = QmsJsonValue::Parse(text);
     std::vector<GR_BezierPath2d> paths;
-    if (document.kind == JsonValue::kObject) {
-        const auto list = document.members.find("paths");
-        if (list == document.members.end() || list->second.kind != JsonValue::kArray)
+    if (document.type == QmsJsonValue::Type::Object) {
+        const QmsJsonValue* list = document.Find("paths");
+        if (!list || list->type != QmsJsonValue::Type::Array)
             throw QmsFailure("the input object needs a \"paths\" list");
-        for (const JsonValue& p : list->second.items)
+        for (const QmsJsonValue& p : list->items)
             paths.push_back(ReadPath(p));
     } else {
         paths.push_back(ReadPath(document));

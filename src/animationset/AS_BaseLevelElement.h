@@ -37,5 +37,9 @@ public:
     AS_Placement& Placement() { return placement_; }
 
 protected:
+    // The clipboard form carries the placement.
+    void WriteDragBody(DB_Archive& archive) override { placement_.Write(archive); }
+    void ReadDragBody(DB_Archive& archive) override { placement_.Read(archive); }
+
     AS_Placement placement_;
 };

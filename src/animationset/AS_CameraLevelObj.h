@@ -53,6 +53,9 @@ protected:
     bool AcceptsCommon(const AS_CommonLevel& common) const override;
     void WriteOwn(DB_Archive& archive) override;
     void ReadOwn(DB_Archive& archive) override;
+    // The clipboard form carries the camera's own fields.
+    void WriteDragBody(DB_Archive& archive) override { WriteOwn(archive); }
+    void ReadDragBody(DB_Archive& archive) override { ReadOwn(archive); }
 
 private:
     void CopyCameraFieldsTo(AS_CameraLevelObj& target, bool withFrames) const;

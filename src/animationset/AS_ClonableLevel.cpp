@@ -1,6 +1,7 @@
 #include "animationset/AS_ClonableLevel.h"
 
 #include "core/DB_Archive.h"
+#include "core/DD_DragDataStore.h"
 
 #include <string>
 
@@ -65,4 +66,38 @@ void AS_ClonableLevel::SetName(const UT_WString& name) {
 void AS_ClonableLevel::AdoptCommon(const AS_ClonableLevel& other) {
     if (!common_ && other.common_ && AcceptsCommon(*other.common_))
         common_ = other.common_;
+}
+
+bool AS_ClonableLevel::ShareCommonOf(const AS_ClonableLevel& other) {
+    if (!other.common_ || !AcceptsCommon(*other.common_))
+        return false;
+    common_ = other.common_;
+    return true;
+}
+
+std::unique_ptr<DD_DragDataStore> AS_ClonableLevel::WriteToDragData() {
+    auto store = std::make_unique<DD_DragDataStore>();
+    DB_Archive& archive = store->Archive();
+    archive.WriteId(GetId());
+    archive.WriteWideString(GetName());
+    archive.WriteId(GetCommonId());
+    archive.WriteWideString(GetNote());
+    WriteDragBody(archive);
+    return store;
+}
+
+void AS_ClonableLevel::ReadFromDragData(DD_DragDataStore& store) {
+    AS_DopeSheetLevelObj::ReadFromDragData(store);
+    ReadDragBody(store.Archive());
+}
+
+void AS_ClonableLevel::WriteCommonBody(DB_Archive& archive) {
+    if (common_)
+        common_->Write(archive);
+}
+
+void AS_ClonableLevel::ReadCommonBody(DB_Archive& archive) {
+    if (!common_)
+        archive.ThrowUnexpected();
+    common_->Read(archive);
 }

@@ -23,6 +23,8 @@ public:
     void SetName(const UT_WString& name) override;
     void ClearModified() override {}
     bool IsLastHolder() const override { return !common_ || common_.use_count() < 2; }
+    void ReadFromDragData(DD_DragDataStore& store) override;
+    std::unique_ptr<DD_DragDataStore> WriteToDragData() override;
 
     // Everything but the common half.
     void WriteBody(DB_Archive& archive);
@@ -32,6 +34,9 @@ public:
     }
     // Takes the other's common half when this level has none.
     void AdoptCommon(const AS_ClonableLevel& other);
+    // Takes the other's common half in place of its own, when it is of the sort this
+    // level needs: a level that comes back from a snapshot joins its clones again.
+    bool ShareCommonOf(const AS_ClonableLevel& other);
 
     uint32_t CloneNumber() const { return cloneNumber_; }
     AS_CommonLevel* Common() const { return common_.get(); }
@@ -45,6 +50,13 @@ protected:
     // The fields that follow the common half on the stream.
     virtual void WriteOwn(DB_Archive& archive) = 0;
     virtual void ReadOwn(DB_Archive& archive) = 0;
+    // What the clipboard form carries after the note; nothing unless the kind adds it.
+    virtual void WriteDragBody(DB_Archive&) {}
+    virtual void ReadDragBody(DB_Archive&) {}
+    // The common half's own body, for the clipboard forms that carry it. Reading throws
+    // DB_Exception when the level has no common half.
+    void WriteCommonBody(DB_Archive& archive);
+    void ReadCommonBody(DB_Archive& archive);
 
 private:
     uint32_t cloneNumber_ = 0;

@@ -8,6 +8,9 @@
 #include "vector/GR_BitmapDrawingObj.h"
 #include "vector/GR_VectorDrawingObj.h"
 
+#include <algorithm>
+#include <string>
+
 void AS_CommonDrawingLevel::Read(DB_Archive& archive) {
     palettes_ = static_cast<CM_PaletteList*>(archive.Context());
     AS_CommonLevel::Read(archive);
@@ -23,6 +26,9 @@ void AS_CommonDrawingLevel::Read(DB_Archive& archive) {
     }
     for (auto& [key, entry] : drawings_)
         entry->SetCreator(this);
+    // A damaged counter would hand out the id of a drawing that exists and overwrite it.
+    if (!drawings_.empty() && drawings_.rbegin()->first != AS_kInvalidId)
+        nextDrawingId_ = std::max(nextDrawingId_, drawings_.rbegin()->first + 1);
 }
 
 void AS_CommonDrawingLevel::Write(DB_Archive& archive) {
@@ -94,6 +100,10 @@ AS_DopeSheetDrawingObj* AS_CommonDrawingLevel::AddDrawingWithId(uint32_t id, con
     entry->SetCreator(this);
     AS_DopeSheetDrawingObj* raw = entry.get();
     drawings_[id] = std::move(entry);
+    // The counter always stays above every id in the table, so that a new drawing can
+    // never take the place of one that exists, whatever order entries arrive in.
+    if (id != AS_kInvalidId && id >= nextDrawingId_)
+        nextDrawingId_ = id + 1;
     return raw;
 }
 
@@ -106,6 +116,22 @@ std::vector<UT_WString> AS_CommonDrawingLevel::GetDrawingNames() const {
     for (const auto& [key, entry] : drawings_)
         names.push_back(entry->GetName());
     return names;
+}
+
+UT_WString AS_CommonDrawingLevel::MakeNewDrawingName() const {
+    uint64_t highest = 0;
+    for (const auto& [key, entry] : drawings_) {
+        uint64_t value = 0;
+        for (char16_t c : entry->GetName()) {
+            if (c < u'0' || c > u'9')
+                break;
+            // Names of absurd length saturate rather than wrap.
+            value = std::min<uint64_t>(value * 10 + static_cast<uint64_t>(c - u'0'), UINT32_MAX);
+        }
+        highest = std::max(highest, value);
+    }
+    const std::string text = std::to_string(highest + 1);
+    return UT_WString(text.begin(), text.end());
 }
 
 std::vector<uint32_t> AS_CommonDrawingLevel::GetDrawingIds() const {

@@ -37,6 +37,7 @@ public:
     AS_DopeSheetDrawingObj* FindDrawingByName(const UT_WString& name) const;
     // Takes the next drawing id and makes an entry without data.
     uint32_t AddDrawing(const UT_WString& name);
+    // Enters a drawing under a known id (reading, undo); the counter moves past it.
     AS_DopeSheetDrawingObj* AddDrawingWithId(uint32_t id, const UT_WString& name);
     void RemoveDrawing(uint32_t id);
     // The folder of the files: the scene folder and the element sort's subfolder; with a
@@ -45,8 +46,13 @@ public:
     UT_FilePath GetDrawingPath(const UT_WString& baseName) const;
     std::vector<UT_WString> GetDrawingNames() const;
     std::vector<uint32_t> GetDrawingIds() const;
+    // The name of a new drawing: one more than the highest number that starts a drawing's
+    // name ("12a" counts as 12, "B" as 0), so the first drawing is "1".
+    UT_WString MakeNewDrawingName() const;
     size_t DrawingCount() const { return drawings_.size(); }
     uint32_t NextDrawingId() const { return nextDrawingId_; }
+    // Puts the counter back, when the drawings made since are undone.
+    void SetNextDrawingId(uint32_t id) { nextDrawingId_ = id; }
 
     void SetFolder(const UT_FilePath& folder) { folder_ = folder; }
     const UT_FilePath& GetFolder() const { return folder_; }

@@ -189,6 +189,12 @@ void AS_SPCompositionOrder::AddLevel(uint32_t id, bool shown) {
     InsertRows(0, {NewRow(id, shown)});
 }
 
+void AS_CompositionOrder::SetRows(std::vector<AS_CompositionRow> rows) {
+    rows_ = std::move(rows);
+    RebuildShown();
+    rangeDirty_ = true;
+}
+
 void AS_CompositionOrder::RebuildShown() {
     shown_.clear();
     for (size_t i = 0; i < rows_.size(); ++i)
@@ -337,6 +343,14 @@ void AS_CompositionOrder::SetShownWithChildren(int row, bool shown) {
     const int end = SubtreeEnd(row);
     for (int r = row; r < end; ++r)
         rows_[static_cast<size_t>(r)].shown = shown;
+    RebuildShown();
+    rangeDirty_ = true;
+}
+
+void AS_CompositionOrder::SetShown(int row, bool shown) {
+    if (!InRange(row))
+        return;
+    rows_[static_cast<size_t>(row)].shown = shown;
     RebuildShown();
     rangeDirty_ = true;
 }

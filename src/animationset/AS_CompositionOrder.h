@@ -94,6 +94,9 @@ public:
     uint32_t LevelMask() const { return levelMask_; }
     bool Accepts(const AS_DopeSheetLevelObj& level) const;
     const std::vector<AS_CompositionRow>& Rows() const { return rows_; }
+    // Puts back rows that were taken from this order before (an undo), and rebuilds the
+    // shown indices.
+    void SetRows(std::vector<AS_CompositionRow> rows);
     const std::vector<int>& ShownIndices() const { return shown_; }
 
     int GetRowCount() const { return static_cast<int>(rows_.size()); }
@@ -117,6 +120,8 @@ public:
     // One past the last row of the subtree of `row`.
     int SubtreeEnd(int row) const;
     void SetShownWithChildren(int row, bool shown);
+    // The row alone; its children keep their flags.
+    void SetShown(int row, bool shown);
     bool IsShown(int row) const;
     bool IsShownByShownIndex(int shownIndex) const;
     bool IsCollapsed(int row) const;
@@ -135,6 +140,8 @@ public:
     int32_t GetLastFrame() const;
     int NextChild(ChildScannerBase& scanner) const;
     void SetRangeDirty() { rangeDirty_ = true; }
+    // The frame range must be computed again before it is used.
+    bool IsRangeDirty() const { return rangeDirty_; }
 
 protected:
     bool InRange(int row) const { return row >= 0 && row < GetRowCount(); }

@@ -110,19 +110,18 @@ void AS_DopeSheetDrawingObj::Write(DB_Archive& archive) {
     archive.WriteId(id_);
     archive.WriteBool(locked_);
     if (!archive.IsEmbedded()) {
-        // A project converted from an older version writes every drawing in the current form.
-        bool loadedToConvert = false;
-        if (archive.IsConverting() && !drawing_ && GetDrawing()) {
+        // A project read from an earlier version rewrites every drawing file in the
+        // current form: each drawing is loaded for it and let go again afterwards.
+        const bool loadedForConversion = archive.IsConverting() && !drawing_ && GetDrawing();
+        if (loadedForConversion)
             drawing_->SetModified(true);
-            loadedToConvert = true;
-        }
         if (drawing_ && drawing_->IsModified() && creator_ && creator_->SaveDrawing(*drawing_, BaseName())) {
             drawing_->SetModified(false);
             hasFile_ = true;
         }
-        if (loadedToConvert)
-            drawing_.reset();
         archive.WriteBool(hasFile_);
+        if (loadedForConversion)
+            drawing_.reset();
         return;
     }
     DB_Archive nested(archive);

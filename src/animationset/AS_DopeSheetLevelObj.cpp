@@ -1,6 +1,7 @@
 #include "animationset/AS_DopeSheetLevelObj.h"
 
 #include "core/DB_Archive.h"
+#include "core/DD_DragDataStore.h"
 
 AS_Matrix AS_IdentityMatrix() {
     AS_Matrix m{};
@@ -28,6 +29,23 @@ void AS_DopeSheetLevelObj::Read(DB_Archive& archive) {
 void AS_DopeSheetLevelObj::Write(DB_Archive& archive) {
     archive.WriteId(id_);
     archive.WriteWideString(note_);
+}
+
+void AS_DopeSheetLevelObj::ReadFromDragData(DD_DragDataStore& store) {
+    store.Archive().ReadWideString(note_);
+}
+
+AS_ElementHeader AS_DopeSheetLevelObj::ReadDragHeader(DB_Archive& archive) {
+    AS_ElementHeader header;
+    header.id = archive.ReadId();
+    archive.ReadWideString(header.name);
+    if (archive.Version() <= 40) {
+        archive.ReadWideString();
+        header.commonId = header.id;
+    } else {
+        header.commonId = archive.ReadId();
+    }
+    return header;
 }
 
 bool AS_DopeSheetLevelObj::AcceptsFrames(int32_t, int32_t) const {

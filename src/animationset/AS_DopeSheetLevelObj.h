@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <memory>
 
+class DD_DragDataStore;
+
 // Identifiers of scenes, elements and drawings; this value marks none.
 inline constexpr uint32_t AS_kInvalidId = 0xFFFFFFFFu;
 
@@ -26,6 +28,14 @@ enum AS_LevelKind : uint32_t {
 // A 4 by 4 single-precision matrix, row major. Points are row vectors multiplied from
 // the left, so the product a times b applies a first; translation sits in the last row.
 using AS_Matrix = std::array<float, 16>;
+
+// What the reader of an element's clipboard form takes first, to decide which level to
+// make or reuse.
+struct AS_ElementHeader {
+    uint32_t id = AS_kInvalidId;
+    UT_WString name;
+    uint32_t commonId = AS_kInvalidId;
+};
 
 AS_Matrix AS_IdentityMatrix();
 AS_Matrix AS_MultiplyMatrix(const AS_Matrix& a, const AS_Matrix& b);
@@ -60,6 +70,12 @@ public:
     virtual UT_WString GetFileExtension() const { return {}; }
     virtual UT_WString GetFolderName() const { return {}; }
     virtual void GetMatrix(AS_Matrix& out, int32_t frame) const;
+    // The clipboard form, after the id, name and common id that ReadDragHeader takes:
+    // the note, then what the kind of element adds.
+    virtual void ReadFromDragData(DD_DragDataStore& store);
+    // A new store with the element header (id, name, common id, note) and the fields
+    // that the kind of element adds.
+    virtual std::unique_ptr<DD_DragDataStore> WriteToDragData() = 0;
     // The element leaves its scene for good (the removal was saved): drop loaded data.
     virtual void OnRemovedForGood() {}
     // Deletes the element's files through the current file transaction.
@@ -69,6 +85,10 @@ public:
     // A new level of the same class on the same common half, or nullptr for kinds
     // that cannot be cloned.
     virtual std::unique_ptr<AS_DopeSheetLevelObj> Clone(uint32_t newId, bool copyCells) const;
+
+    // Id, name and common id of a clipboard form. Up to version 40 a name stood in the
+    // place of the common id; the id then serves as common id.
+    static AS_ElementHeader ReadDragHeader(DB_Archive& archive);
 
     uint32_t GetId() const { return id_; }
     void SetId(uint32_t id) { id_ = id; }

@@ -2,6 +2,7 @@
 
 #include "animationset/AS_BaseLevelElement.h"
 #include "animationset/AS_CommonDrawingLevel.h"
+#include "animationset/AS_NamedCellLevelInterface.h"
 
 #include <vector>
 
@@ -12,8 +13,10 @@ struct AS_CellRecord {
     bool operator==(const AS_CellRecord&) const = default;
 };
 
-// An element whose frames show drawings of its common half by id.
-class AS_DrawingLevelObj : public AS_BaseLevelElement {
+// An element whose frames show drawings of its common half by id. The exposure is one
+// record per frame, not a list of runs; it grows with blanks on demand, and blanks at its
+// end carry no meaning.
+class AS_DrawingLevelObj : public AS_BaseLevelElement, public AS_NamedCellLevelInterface {
 public:
     using AS_BaseLevelElement::AS_BaseLevelElement;
 
@@ -30,6 +33,29 @@ public:
     void RemoveFiles() override;
     // Locks or unlocks one drawing of the common half; false when there is no such drawing.
     bool SetDrawingLocked(uint32_t drawingId, bool locked);
+
+    // The exposure.
+    void InsertCells(int32_t frame, bool shift, int32_t count) override;
+    void RemoveCells(int32_t frame, int32_t count, bool shift) override;
+    void CollectDrawings(std::vector<AS_ElementDrawingNames>& out) const override;
+    void SetCellsFromNames(const std::vector<UT_WString>& names, size_t index, int32_t first,
+                           int32_t count) override;
+    bool HasDrawingCells() const override { return true; }
+    uint32_t CreateDrawing(const UT_WString& name) override;
+    uint32_t CreateNewDrawing() override;
+    uint32_t FindDrawingId(const UT_WString& name) const override;
+    void SetCells(uint32_t id, int32_t first, int32_t count) override;
+    void SetCell(uint32_t id, int32_t frame) override { SetCells(id, frame, 1); }
+    void SetRunLengths(int32_t first, int32_t count, int32_t length, int32_t& outFirst,
+                       int32_t& outLast) override;
+    int32_t GetRunLength(int32_t& frame) const override;
+    void CollectRunLengths(int32_t& frame, int32_t last, std::vector<int32_t>& out) const override;
+    // The drawing shown at `frame`; AS_kInvalidId on a blank frame or outside the exposure.
+    uint32_t DrawingIdAt(int32_t frame) const;
+    // The records of `count` frames from `first`; frames outside the exposure read blank.
+    std::vector<AS_CellRecord> CellRecords(int32_t first, int32_t count) const;
+    // Writes records from `first` on, growing the exposure with blanks as needed.
+    void PutCellRecords(int32_t first, const std::vector<AS_CellRecord>& records);
 
     AS_CommonDrawingLevel* CommonDrawing() const { return static_cast<AS_CommonDrawingLevel*>(Common()); }
     std::vector<AS_CellRecord>& Cells() { return cells_; }

@@ -50,6 +50,15 @@ protected:
     bool AcceptsCommon(const AS_CommonLevel& common) const override;
     void WriteOwn(DB_Archive& archive) override;
     void ReadOwn(DB_Archive& archive) override;
+    // The clipboard form carries the common half and the first frame and length.
+    void WriteDragBody(DB_Archive& archive) override {
+        WriteCommonBody(archive);
+        WriteOwn(archive);
+    }
+    void ReadDragBody(DB_Archive& archive) override {
+        ReadCommonBody(archive);
+        ReadOwn(archive);
+    }
 
 private:
     uint32_t firstFrame_ = 0;

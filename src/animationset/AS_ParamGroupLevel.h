@@ -28,4 +28,7 @@ protected:
     }
     void WriteOwn(DB_Archive&) override {}
     void ReadOwn(DB_Archive&) override {}
+    // The clipboard form carries the common fields.
+    void WriteDragBody(DB_Archive& archive) override { WriteCommonBody(archive); }
+    void ReadDragBody(DB_Archive& archive) override { ReadCommonBody(archive); }
 };

@@ -87,6 +87,15 @@ protected:
     bool AcceptsCommon(const AS_CommonLevel& common) const override;
     void WriteOwn(DB_Archive& archive) override;
     void ReadOwn(DB_Archive& archive) override;
+    // The clipboard form carries the common half with its curves, then the peg's fields.
+    void WriteDragBody(DB_Archive& archive) override {
+        WriteCommonBody(archive);
+        WriteOwn(archive);
+    }
+    void ReadDragBody(DB_Archive& archive) override {
+        ReadCommonBody(archive);
+        ReadOwn(archive);
+    }
 
 private:
     uint32_t LowestLoopEnd() const;

@@ -5,6 +5,7 @@
 #include "animationset/AS_DrawingLevelObj.h"
 #include "animationset/AS_EffectLevel.h"
 #include "animationset/AS_MediaLinkLevelObj.h"
+#include "animationset/AS_MediaObj.h"
 #include "animationset/AS_ParamGroupLevel.h"
 #include "animationset/AS_PegLevelObj.h"
 #include "animationset/AS_SoundLevel.h"
@@ -29,6 +30,7 @@ void AnimationSetRegisterTypes() {
     registry.Register<AS_BitmapLevelObj>(13);
     registry.Register<AS_CommonSoundLevel>(15);
     registry.Register<AS_CommonBitmapDrawingLevel>(16);
+    registry.Register<AS_MediaObj>(17, "AS_MediaObj");
     registry.Register<AS_EffectLevel>(18);
     registry.Register<AS_CommonEffect>(19);
     registry.Register<AS_ParamGroupLevel>(20);

@@ -1,12 +1,17 @@
 #include "animationset/CAnimationSetObj.h"
 
+#include "animationset/AS_CellIteratorObservable.h"
+#include "animationset/AS_DopeSheetNotifProxy.h"
+#include "animationset/AS_MediaManager.h"
 #include "animationset/CDopeSheetObj.h"
+#include "animationset/SPO_SettingsMgr.h"
 #include "colour/CM_PaletteList.h"
 #include "core/DB_Archive.h"
 #include "core/DB_Exception.h"
 #include "core/PR_UserColorSettings.h"
 #include "core/UT_CommandHistory.h"
 #include "core/UT_FileTransaction.h"
+#include "core/UT_Format.h"
 #include "core/UT_NameRules.h"
 #include "vector/CPenStyleList.h"
 
@@ -18,22 +23,49 @@ CAnimationSetObj* g_current = nullptr;
 
 CAnimationSetObj::CAnimationSetObj()
     : paletteList_(std::make_unique<CM_PaletteList>()), penList_(CPenStyleList::MakeDefault()),
-      userColors_(std::make_unique<PR_UserColorSettings>()), history_(std::make_unique<UT_CommandHistory>()) {
+      userColors_(std::make_unique<PR_UserColorSettings>()), history_(std::make_unique<UT_CommandHistory>()),
+      media_(std::make_unique<AS_MediaManager>()), proxy_(std::make_unique<AS_DopeSheetNotifProxy>(*this)) {
     paletteList_->AddDefaultPalette();
     paletteList_->MarkClean();
+    userColors_->SetOwner(&colourOwner_);
 }
 
 CAnimationSetObj::~CAnimationSetObj() {
     if (g_current == this)
-        g_current = nullptr;
+        SetCurrent(nullptr);
+    // Observers learn that the set goes while all of it is still there.
+    proxy_.reset();
     // Scenes hold a pointer to the palette list: let them go first.
     sequence_.clear();
     currentScene_ = nullptr;
     scenes_.clear();
 }
 
-CAnimationSetObj* CAnimationSetObj::Current() { return g_current; }
-void CAnimationSetObj::SetCurrent(CAnimationSetObj* set) { g_current = set; }
+CAnimationSetObj* CAnimationSetObj::Current() {
+    return g_current;
+}
+void CAnimationSetObj::SetCurrent(CAnimationSetObj* set) {
+    g_current = set;
+    if (set)
+        set->PointCurrentCell();
+    else
+        AS_CellIteratorObservable::Instance().PointAt(nullptr, nullptr);
+}
+
+void CAnimationSetObj::PointCurrentCell() const {
+    if (g_current != this)
+        return;
+    AS_CompositionOrder* order = nullptr;
+    if (currentScene_)
+        order = sceneplanningMode_ ? static_cast<AS_CompositionOrder*>(&currentScene_->SceneplanningOrder())
+                                   : &currentScene_->DrawingOrder();
+    AS_CellIteratorObservable::Instance().PointAt(currentScene_, order);
+}
+
+void CAnimationSetObj::SetSceneplanningMode(bool on) {
+    sceneplanningMode_ = on;
+    PointCurrentCell();
+}
 
 void CAnimationSetObj::InitialiseNew(uint32_t frameRate, uint32_t cameraWidth, uint32_t cameraHeight) {
     frameRate_ = frameRate;
@@ -68,7 +100,9 @@ void CAnimationSetObj::MarkSaved() {
         entry.scene->MarkSaved();
 }
 
-void CAnimationSetObj::MarkLibrarySaved() { history_->MarkLibrarySaved(); }
+void CAnimationSetObj::MarkLibrarySaved() {
+    history_->MarkLibrarySaved();
+}
 
 CDopeSheetObj* CAnimationSetObj::FindScene(uint32_t id) const {
     auto it = scenes_.find(id);
@@ -80,6 +114,7 @@ CDopeSheetObj* CAnimationSetObj::FindScene(uint32_t id) const {
 void CAnimationSetObj::AddScene(std::unique_ptr<CDopeSheetObj> scene, size_t index) {
     CDopeSheetObj* raw = scene.get();
     raw->SetPaletteList(paletteList_.get());
+    raw->SetMediaManager(media_.get());
     raw->SetFolder(projectFolder_);
     SceneEntry& entry = scenes_[raw->SceneId()];
     if (entry.scene && !entry.removed)
@@ -87,6 +122,8 @@ void CAnimationSetObj::AddScene(std::unique_ptr<CDopeSheetObj> scene, size_t ind
     if (currentScene_ == entry.scene.get())
         currentScene_ = raw;
     entry.scene = std::move(scene);
+    if (currentScene_ == raw)
+        PointCurrentCell();
     entry.removed = false;
     entry.eraseFiles = false;
     sequence_.insert(sequence_.begin() + static_cast<std::ptrdiff_t>(std::min(index, sequence_.size())), raw);
@@ -105,10 +142,12 @@ void CAnimationSetObj::RemoveScene(uint32_t id, bool eraseFiles) {
     if (pos != sequence_.end())
         sequence_.erase(pos);
     if (currentScene_ == scene) {
-        if (sequence_.empty())
+        if (sequence_.empty()) {
             currentScene_ = nullptr;
-        else
+            PointCurrentCell();
+        } else {
             SetCurrentScene(sequence_[std::min(index, sequence_.size() - 1)], true);
+        }
     }
 }
 
@@ -133,10 +172,38 @@ void CAnimationSetObj::MoveScene(size_t from, size_t to) {
 }
 
 bool CAnimationSetObj::IsSceneNameFree(const UT_WString& name) const {
-    if (!UT_IsValidName(name))
-        return false;
-    return std::none_of(sequence_.begin(), sequence_.end(),
-                        [&](const CDopeSheetObj* scene) { return scene->Name() == name; });
+    return CheckSceneName(name).empty();
+}
+
+UT_WString CAnimationSetObj::CheckSceneName(const UT_WString& name, uint32_t self) const {
+    switch (UT_CheckName(name)) {
+    case UT_NameProblem::kEmpty:
+        return u"The name of the scene cannot be empty.";
+    case UT_NameProblem::kTooLong:
+    case UT_NameProblem::kForbiddenCharacter:
+        return u"This name contains invalid characters; please choose a different one.";
+    case UT_NameProblem::kNone:
+        break;
+    }
+    const bool taken = std::any_of(sequence_.begin(), sequence_.end(), [&](const CDopeSheetObj* scene) {
+        return scene->SceneId() != self && scene->Name() == name;
+    });
+    if (taken)
+        return u"This name is already used by another scene; please choose a different one.";
+    return {};
+}
+
+UT_WString CAnimationSetObj::NewSceneName() const {
+    for (int64_t number = 2;; ++number) {
+        UT_WString name = UT_Fmt(u"Scene-%d", UT_Num(number));
+        if (IsSceneNameFree(name))
+            return name;
+    }
+}
+
+bool CAnimationSetObj::ColourOwner::ElementExists(const PR_ElementRef& element) const {
+    const CDopeSheetObj* scene = set_.FindScene(element.scene);
+    return scene && scene->FindElement(element.element) && !scene->IsRemoved(element.element);
 }
 
 int CAnimationSetObj::SequenceIndex(uint32_t sceneId) const {
@@ -152,6 +219,9 @@ void CAnimationSetObj::SetCurrentScene(CDopeSheetObj* scene, bool real) {
     currentSceneReal_ = real;
     if (scene)
         scene->EnsureDefaultCamera(cameraWidth_, cameraHeight_);
+    PointCurrentCell();
+    if (settings_)
+        settings_->CurrentSceneChanged();
 }
 
 void CAnimationSetObj::SetCurrentSceneById(uint32_t id) {
@@ -173,16 +243,14 @@ void CAnimationSetObj::ApplyCameraSize() {
 
 void CAnimationSetObj::Read(DB_Archive& archive) {
     version_ = archive.Version();
+    currentScene_ = nullptr;
+    PointCurrentCell();
     scenes_.clear();
     sequence_.clear();
-    currentScene_ = nullptr;
 
     nextSceneId_ = archive.ReadU32();
     archive.ReadTyped(*paletteList_);
-    // Media objects: a shared reference takes at least six bytes.
-    const uint32_t mediaCount = archive.ReadCount(6);
-    for (uint32_t i = 0; i < mediaCount; ++i)
-        archive.ReadShared();
+    media_->Read(archive);
 
     // Each scene takes at least its type id and a handful of counts.
     const uint32_t sceneCount = archive.ReadCount(2);
@@ -193,6 +261,7 @@ void CAnimationSetObj::Read(DB_Archive& archive) {
             object.release();
             std::unique_ptr<CDopeSheetObj> owned(scene);
             owned->SetPaletteList(paletteList_.get());
+            owned->SetMediaManager(media_.get());
             scenes_[scene->SceneId()] = SceneEntry{std::move(owned), false, false};
         }
     }
@@ -252,13 +321,17 @@ void CAnimationSetObj::Write(DB_Archive& archive) {
         for (auto& [id, entry] : scenes_)
             entry.scene->SetFolder(projectFolder_);
         Purge();
-        for (CDopeSheetObj* scene : sequence_)
+        for (CDopeSheetObj* scene : sequence_) {
             scene->MakeFolders();
+            // Removed elements go first, so that the templates only they used are pruned.
+            scene->PurgeRemoved();
+        }
+        media_->Prune();
     }
 
     archive.WriteU32(nextSceneId_);
     archive.WriteTyped(*paletteList_);
-    archive.WriteCount(0);
+    media_->Write(archive);
 
     uint32_t live = 0;
     for (const auto& [id, entry] : scenes_)

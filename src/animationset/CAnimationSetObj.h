@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/CPersistentObjBase.h"
+#include "core/PR_UserColorSettings.h"
 #include "core/UT_FilePath.h"
 #include "core/UT_String.h"
 
@@ -9,10 +10,12 @@
 #include <memory>
 #include <vector>
 
+class AS_DopeSheetNotifProxy;
+class AS_MediaManager;
 class CDopeSheetObj;
 class CM_PaletteList;
 class CPenStyleList;
-class PR_UserColorSettings;
+class SPO_SettingsMgr;
 class UT_CommandHistory;
 
 // The root of the document model: the scenes of one project with their palettes,
@@ -33,7 +36,8 @@ public:
     // The document passes the frame rate and camera size of the preferences.
     void InitialiseNew(uint32_t frameRate, uint32_t cameraWidth, uint32_t cameraHeight);
 
-    // The set the application works on, or nullptr.
+    // The set the application works on, or nullptr. The application's current cell
+    // follows the current scene and mode of this set.
     static CAnimationSetObj* Current();
     static void SetCurrent(CAnimationSetObj* set);
 
@@ -65,6 +69,12 @@ public:
     // Moves within the sequence; `to` is the insertion point before the move.
     void MoveScene(size_t from, size_t to);
     bool IsSceneNameFree(const UT_WString& name) const;
+    // Empty when `name` may name the scene `self` (or a new scene); else the message to
+    // show: the name rule, then no other scene of the sequence with the same name.
+    UT_WString CheckSceneName(const UT_WString& name, uint32_t self = 0xFFFFFFFFu) const;
+    // The name of a scene added from the interface: "Scene-2", "Scene-3" and so on, the
+    // first that is free.
+    UT_WString NewSceneName() const;
     const std::vector<CDopeSheetObj*>& Sequence() const { return sequence_; }
     // Position in the sequence, or -1.
     int SequenceIndex(uint32_t sceneId) const;
@@ -73,6 +83,7 @@ public:
 
     CDopeSheetObj* CurrentScene() const { return currentScene_; }
     bool IsCurrentSceneReal() const { return currentSceneReal_; }
+    // Also tells the scene-planning settings, whose frame range follows the scene.
     void SetCurrentScene(CDopeSheetObj* scene, bool real);
     void SetCurrentSceneById(uint32_t id);
 
@@ -82,14 +93,31 @@ public:
     void SetProperties(uint32_t frameRate, uint32_t width, uint32_t height);
 
     bool IsSceneplanningMode() const { return sceneplanningMode_; }
-    void SetSceneplanningMode(bool on) { sceneplanningMode_ = on; }
+    void SetSceneplanningMode(bool on);
 
     CM_PaletteList& PaletteList() { return *paletteList_; }
     CPenStyleList& PenList() { return *penList_; }
     PR_UserColorSettings& UserColors() { return *userColors_; }
     UT_CommandHistory& History() { return *history_; }
+    // The templates that the media elements use.
+    AS_MediaManager& MediaManager() { return *media_; }
+    // Every change of the set goes out through it.
+    AS_DopeSheetNotifProxy& NotifProxy() { return *proxy_; }
+    // The scene-planning settings of the document that holds the set; not owned.
+    SPO_SettingsMgr* SettingsManager() const { return settings_; }
+    void SetSettingsManager(SPO_SettingsMgr* settings) { settings_ = settings; }
 
 private:
+    // Tells the user colours which elements still exist, for their pruning on save.
+    class ColourOwner : public PR_UserColorSettings::Owner {
+    public:
+        explicit ColourOwner(const CAnimationSetObj& set) : set_(set) {}
+        bool ElementExists(const PR_ElementRef& element) const override;
+
+    private:
+        const CAnimationSetObj& set_;
+    };
+
     struct SceneEntry {
         std::unique_ptr<CDopeSheetObj> scene;
         bool removed = false;
@@ -98,6 +126,9 @@ private:
 
     void Purge();
     void ApplyCameraSize();
+    // Points the application's current cell at the current scene and the order of the
+    // mode, when this is the current set.
+    void PointCurrentCell() const;
 
     uint32_t nextSceneId_ = 1;
     std::map<uint32_t, SceneEntry> scenes_;
@@ -110,6 +141,10 @@ private:
     std::unique_ptr<CPenStyleList> penList_;
     std::unique_ptr<PR_UserColorSettings> userColors_;
     std::unique_ptr<UT_CommandHistory> history_;
+    std::unique_ptr<AS_MediaManager> media_;
+    std::unique_ptr<AS_DopeSheetNotifProxy> proxy_;
+    ColourOwner colourOwner_{*this};
+    SPO_SettingsMgr* settings_ = nullptr;
     bool sceneplanningMode_ = false;
     bool forcedDirty_ = false;
     uint32_t frameRate_ = 12;

@@ -3,6 +3,7 @@
 #include "animationset/AS_CameraLevelObj.h"
 #include "animationset/AS_ClonableLevel.h"
 #include "animationset/AS_DrawingLevelObj.h"
+#include "animationset/AS_MediaLinkLevelObj.h"
 #include "animationset/AS_ParamGroupLevel.h"
 #include "animationset/AS_PegLevelObj.h"
 #include "core/DB_Archive.h"
@@ -55,6 +56,8 @@ void CDopeSheetObj::InitialiseDefaultElements(uint32_t cameraWidth, uint32_t cam
     currentCamera_ = camera;
     const uint32_t pegId = NewElementId();
     AddElement(AS_PegLevelObj::Create(pegId, UniqueName(u"Peg"), 20));
+    // Like every new peg, it takes no part in the scene's frame range until enabled.
+    sceneplanningOrder_->SetEnabled(sceneplanningOrder_->FindRow(pegId), false);
     for (const LevelEntry& entry : levels_)
         if (!entry.removed && entry.level->GetKind() == kLevelVectorDrawing)
             return;
@@ -62,9 +65,10 @@ void CDopeSheetObj::InitialiseDefaultElements(uint32_t cameraWidth, uint32_t cam
     AddElement(AS_VectorGraphicLevelObj::Create(drawingId, u"Drawing"));
 }
 
-void CDopeSheetObj::EnsureDefaultCamera(uint32_t width, uint32_t height) {
+void CDopeSheetObj::EnsureDefaultCamera(uint32_t width, uint32_t height, uint32_t id) {
     if (!defaultCamera_) {
-        const uint32_t id = NewElementId();
+        if (id == AS_kInvalidId)
+            id = NewElementId();
         defaultCamera_ = AS_CameraLevelObj::Create(id, u"<Default>", 10, width, height);
         defaultCamera_->SetFolder(SceneFolder());
     }
@@ -84,12 +88,20 @@ void CDopeSheetObj::GiveElementContext(AS_DopeSheetLevelObj& element) {
     if (auto* drawing = dynamic_cast<AS_DrawingLevelObj*>(&element))
         if (drawing->CommonDrawing())
             drawing->CommonDrawing()->SetPaletteList(palettes_);
+    if (auto* media = dynamic_cast<AS_MediaLinkLevelObj*>(&element))
+        media->SetMediaManager(media_);
     if (!folder_.IsEmpty())
         element.SetFolder(SceneFolder());
 }
 
 void CDopeSheetObj::SetPaletteList(CM_PaletteList* palettes) {
     palettes_ = palettes;
+    for (LevelEntry& entry : levels_)
+        GiveElementContext(*entry.level);
+}
+
+void CDopeSheetObj::SetMediaManager(AS_MediaManager* media) {
+    media_ = media;
     for (LevelEntry& entry : levels_)
         GiveElementContext(*entry.level);
 }
@@ -180,7 +192,20 @@ UT_WString CDopeSheetObj::UniqueName(const UT_WString& base) const {
     }
 }
 
-AS_DopeSheetLevelObj* CDopeSheetObj::AddElement(std::unique_ptr<AS_DopeSheetLevelObj> element) {
+int CDopeSheetObj::LivePosition(uint32_t id) const {
+    int position = 0;
+    for (const LevelEntry& entry : levels_) {
+        if (entry.removed)
+            continue;
+        if (entry.level->GetId() == id)
+            return position;
+        ++position;
+    }
+    return -1;
+}
+
+AS_DopeSheetLevelObj* CDopeSheetObj::AddElement(std::unique_ptr<AS_DopeSheetLevelObj> element,
+                                                size_t livePosition) {
     AS_DopeSheetLevelObj* raw = element.get();
     const uint32_t id = raw->GetId();
     GiveElementContext(*raw);
@@ -198,16 +223,45 @@ AS_DopeSheetLevelObj* CDopeSheetObj::AddElement(std::unique_ptr<AS_DopeSheetLeve
                 break;
             }
     }
-    if (!placed)
-        levels_.push_back(LevelEntry{std::move(element), false, false});
+    if (!placed) {
+        auto at = levels_.end();
+        size_t live = 0;
+        for (auto it = levels_.begin(); it != levels_.end(); ++it) {
+            if (it->removed)
+                continue;
+            if (live++ == livePosition) {
+                at = it;
+                break;
+            }
+        }
+        levels_.insert(at, LevelEntry{std::move(element), false, false});
+    }
     levelMap_[id] = raw;
+    EnterInOrders(*raw);
+    return raw;
+}
+
+AS_DopeSheetLevelObj* CDopeSheetObj::RestoreRemovedElement(uint32_t id) {
+    for (LevelEntry& entry : levels_) {
+        if (entry.level->GetId() != id || !entry.removed)
+            continue;
+        entry.removed = false;
+        entry.eraseFiles = false;
+        GiveElementContext(*entry.level);
+        EnterInOrders(*entry.level);
+        return entry.level.get();
+    }
+    return nullptr;
+}
+
+void CDopeSheetObj::EnterInOrders(const AS_DopeSheetLevelObj& element) {
+    const uint32_t id = element.GetId();
     for (const auto& order : orders_)
         if (order->FindRow(id) < 0)
             order->AddLevel(id, true);
-    if (raw->GetKind() == kLevelParamGroup)
+    if (element.GetKind() == kLevelParamGroup)
         sceneplanningOrder_->SetShownWithChildren(sceneplanningOrder_->FindRow(id), false);
     MarkDirty();
-    return raw;
 }
 
 void CDopeSheetObj::RemoveElement(uint32_t id, bool eraseFiles) {
@@ -268,6 +322,8 @@ void CDopeSheetObj::PurgeRemoved() {
         entry.level->OnRemovedForGood();
         if (currentCamera_ == entry.level.get())
             currentCamera_ = defaultCamera_.get();
+        // Gone now, so that a clone removed with it is the last holder of their files.
+        entry.level.reset();
     }
     levels_ = std::move(kept);
 }
@@ -275,9 +331,13 @@ void CDopeSheetObj::PurgeRemoved() {
 void CDopeSheetObj::Write(DB_Archive& archive) {
     if (!archive.IsEmbedded())
         PurgeRemoved();
-    archive.WriteCount(levels_.size());
+    size_t live = 0;
+    for (const LevelEntry& entry : levels_)
+        live += entry.removed ? 0 : 1;
+    archive.WriteCount(live);
     for (LevelEntry& entry : levels_)
-        archive.WriteTyped(*entry.level);
+        if (!entry.removed)
+            archive.WriteTyped(*entry.level);
     archive.WriteId(sceneId_);
     archive.WriteWideString(name_);
     for (size_t byte : {0, 2, 1, 3})

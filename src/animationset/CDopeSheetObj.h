@@ -7,12 +7,14 @@
 #include "core/UT_String.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <vector>
 
 class AS_CameraLevelObj;
+class AS_MediaManager;
 class CM_PaletteList;
 
 // One scene: its elements in insertion order, its Drawing and Sceneplanning orders, its
@@ -32,7 +34,8 @@ public:
 
     void Read(DB_Archive& archive) override;
     // Outside an embedded archive, first drops removed elements for good, erasing the
-    // files of those marked for it.
+    // files of those marked for it. An embedded archive (a snapshot) leaves removed
+    // elements out.
     void Write(DB_Archive& archive) override;
 
     // Sets the identity and makes both composition orders afresh.
@@ -41,12 +44,15 @@ public:
     // element, a drawing element "Drawing".
     void InitialiseDefaultElements(uint32_t cameraWidth, uint32_t cameraHeight);
     void SetCameraSize(uint32_t width, uint32_t height);
-    // Makes the camera "<Default>" when the scene has none; it is current while no
-    // camera element is.
-    void EnsureDefaultCamera(uint32_t width, uint32_t height);
+    // Makes the camera "<Default>" when the scene has none, with a new element id, or with
+    // `id` when a scene comes back from a snapshot; it is current while no camera element is.
+    void EnsureDefaultCamera(uint32_t width, uint32_t height, uint32_t id = AS_kInvalidId);
 
     void SetPaletteList(CM_PaletteList* palettes);
     CM_PaletteList* PaletteList() const { return palettes_; }
+    // The set's media manager, which media elements share their templates through.
+    void SetMediaManager(AS_MediaManager* media);
+    AS_MediaManager* MediaManager() const { return media_; }
     // The project folder; each element gets the scene folder.
     void SetFolder(const UT_FilePath& projectFolder);
     const UT_FilePath& Folder() const { return folder_; }
@@ -81,10 +87,20 @@ public:
     UT_WString UniqueName(const UT_WString& base) const;
     uint32_t NewElementId() { return ++nextElementId_; }
     uint32_t NextElementId() const { return nextElementId_; }
-    // A new id is appended; a known id takes the element back in its entry (undo of a
-    // removal). Both orders learn of it.
-    AS_DopeSheetLevelObj* AddElement(std::unique_ptr<AS_DopeSheetLevelObj> element);
+    // A known id takes the element back in its entry (undo of a removal). A new id goes
+    // in front of the element that stands at `livePosition` among those not removed, or
+    // at the end. Both orders learn of it.
+    AS_DopeSheetLevelObj* AddElement(std::unique_ptr<AS_DopeSheetLevelObj> element,
+                                     size_t livePosition = SIZE_MAX);
+    // The element of a removed entry that no save purged yet comes back as it is; null
+    // when there is no such entry.
+    AS_DopeSheetLevelObj* RestoreRemovedElement(uint32_t id);
     void RemoveElement(uint32_t id, bool eraseFiles);
+    // Position among the elements that are not removed, or -1.
+    int LivePosition(uint32_t id) const;
+    // Drops removed elements for good, erasing the files of those marked for it through
+    // the current file transaction. A save does it.
+    void PurgeRemoved();
     // Empty when the name is acceptable for the element `self` (or a new element);
     // else the message to show.
     UT_WString CheckElementName(const UT_WString& name, uint32_t self = AS_kInvalidId) const;
@@ -100,7 +116,8 @@ public:
 
 private:
     void MakeOrders();
-    void PurgeRemoved();
+    // Rows for a new or returning element in the orders that take it.
+    void EnterInOrders(const AS_DopeSheetLevelObj& element);
     void GiveElementContext(AS_DopeSheetLevelObj& element);
 
     std::vector<LevelEntry> levels_;
@@ -116,5 +133,6 @@ private:
     AS_CameraLevelObj* currentCamera_ = nullptr;
     std::unique_ptr<AS_CameraLevelObj> defaultCamera_;
     CM_PaletteList* palettes_ = nullptr;
+    AS_MediaManager* media_ = nullptr;
     std::array<uint8_t, 4> background_{0xFF, 0xFF, 0xFF, 0xFF};
 };

@@ -1,5 +1,6 @@
 #include "animationset/CSketchrunApp.h"
 
+#include "animationset/AS_CellIteratorObservable.h"
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CNewAnimationDlg.h"
 #include "animationset/CSketchrunDoc.h"
@@ -8,10 +9,10 @@
 
 #include <algorithm>
 #include <cctype>
-#include <fenv.h>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fenv.h>
 
 namespace {
 
@@ -100,14 +101,20 @@ bool CSketchrunApp::InitInstance(const std::vector<std::string>& arguments, cons
         }
     }
 
-    // No language pack ships with this build, so the selection only decides whether the
-    // program's own English resources stay.
+    // The application's current cell exists before any model does, first among the
+    // observers of every set's changes.
+    AS_CellIteratorObservable::Instance();
+
+    // A pack that does not load leaves the program's own English texts, without a word.
     languageId_ = SelectLanguagePack(host_.UserDefaultLanguage());
+    if (languageId_ != kEnglish && !host_.LoadLanguagePack(languageId_))
+        languageId_ = kEnglish;
 
     host_.ShowSplash();
     if (host_.ScreenDepth() < 24) {
-        UT_MessageHandler::Post(UT_MessageHandler::kError,
-                                u"Quilmoor Studio requires that the monitor be set to 24 or 32 bit color depth.");
+        UT_MessageHandler::Post(
+            UT_MessageHandler::kError,
+            u"Quilmoor Studio requires that the monitor be set to 24 or 32 bit color depth.");
         return false;
     }
 
@@ -183,9 +190,13 @@ bool CSketchrunApp::OpenDocumentFile(const UT_FilePath& path) {
     return true;
 }
 
-bool CSketchrunApp::OnFileSave() { return document_ && document_->Save(); }
+bool CSketchrunApp::OnFileSave() {
+    return document_ && document_->Save();
+}
 
-bool CSketchrunApp::OnFileSaveAs() { return document_ && document_->SaveAs(); }
+bool CSketchrunApp::OnFileSaveAs() {
+    return document_ && document_->SaveAs();
+}
 
 bool CSketchrunApp::CloseDocument(bool ask) {
     if (!document_)
@@ -198,7 +209,9 @@ bool CSketchrunApp::CloseDocument(bool ask) {
     return true;
 }
 
-bool CSketchrunApp::OnAppExit() { return CloseDocument(true); }
+bool CSketchrunApp::OnAppExit() {
+    return CloseDocument(true);
+}
 
 bool CSketchrunApp::OnRecentFile(size_t index) {
     if (index >= recentFiles_.size())
@@ -213,13 +226,17 @@ bool CSketchrunApp::OnRecentFile(size_t index) {
     return false;
 }
 
-bool CSketchrunApp::RunNewAnimationDialog(CNewAnimationDlg& dialog) { return host_.RunNewAnimationDialog(dialog); }
+bool CSketchrunApp::RunNewAnimationDialog(CNewAnimationDlg& dialog) {
+    return host_.RunNewAnimationDialog(dialog);
+}
 
 std::optional<UT_FilePath> CSketchrunApp::RunOpenDialog(const UT_FilePath& startFolder) {
     return host_.RunOpenDialog(startFolder);
 }
 
-void CSketchrunApp::SetDocumentTitle(const UT_WString& title) { host_.SetDocumentTitle(title); }
+void CSketchrunApp::SetDocumentTitle(const UT_WString& title) {
+    host_.SetDocumentTitle(title);
+}
 
 void CSketchrunApp::AddRecentFile(const UT_FilePath& path) {
     std::erase(recentFiles_, path);
@@ -229,6 +246,14 @@ void CSketchrunApp::AddRecentFile(const UT_FilePath& path) {
     host_.StoreRecentFiles(recentFiles_);
 }
 
-void CSketchrunApp::ShowDocument(bool open) { host_.ShowDocument(open); }
+void CSketchrunApp::ShowDocument(bool open) {
+    host_.ShowDocument(open);
+}
 
-void CSketchrunApp::SetWaitCursor(bool on) { host_.SetWaitCursor(on); }
+void CSketchrunApp::SetWaitCursor(bool on) {
+    host_.SetWaitCursor(on);
+}
+
+std::unique_ptr<UT_Progress> CSketchrunApp::CreateProgress(const UT_WString& title) {
+    return host_.CreateProgress(title);
+}

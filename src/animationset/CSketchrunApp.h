@@ -35,6 +35,12 @@ public:
     virtual bool WantsDirect3D() = 0;
     // The user's default language identifier (see CSketchrunApp::LanguageFromLocale).
     virtual uint32_t UserDefaultLanguage() = 0;
+    // Replaces the program's English texts by those of a language pack; false when the
+    // pack cannot be loaded, and the English texts stay.
+    virtual bool LoadLanguagePack(uint32_t languageId) {
+        (void)languageId;
+        return false;
+    }
 };
 
 // The application: at most one open document, the start-up sequence and the New, Open,
@@ -89,6 +95,7 @@ public:
     void AddRecentFile(const UT_FilePath& path) override;
     void ShowDocument(bool open) override;
     void SetWaitCursor(bool on) override;
+    std::unique_ptr<UT_Progress> CreateProgress(const UT_WString& title) override;
 
 private:
     CSketchrunAppHost& host_;

@@ -4,6 +4,7 @@
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/CNewAnimationDlg.h"
 #include "animationset/CSketchrunHost.h"
+#include "animationset/SPO_SettingsMgr.h"
 #include "core/DB_Exception.h"
 #include "core/DB_FileContainer.h"
 #include "core/UT_ErrorCollector.h"
@@ -11,7 +12,9 @@
 #include "core/UT_Format.h"
 #include "core/UT_MessageHandler.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -35,8 +38,9 @@ bool RecoverInterruptedSave(const UT_FilePath& path) {
             continue;
         const int answer = UT_MessageHandler::Ask(
             UT_MessageHandler::kYesNo,
-            UT_Fmt(u"%1$S is missing, but %2$S was left by an interrupted save.\nRecover the project from it?",
-                   path.Wide(), sibling.Wide()),
+            UT_Fmt(
+                u"%1$S is missing, but %2$S was left by an interrupted save.\nRecover the project from it?",
+                path.Wide(), sibling.Wide()),
             UT_MessageHandler::kNo);
         if (answer != UT_MessageHandler::kYes)
             return false;
@@ -58,8 +62,14 @@ CSketchrunDoc::~CSketchrunDoc() {
         CAnimationSetObj::SetCurrent(nullptr);
 }
 
+void CSketchrunDoc::MakeSettings() {
+    settings_ = std::make_unique<SPO_SettingsMgr>(set_.get());
+    set_->SetSettingsManager(settings_.get());
+}
+
 void CSketchrunDoc::Attach(std::unique_ptr<CAnimationSetObj> set, const UT_FilePath& folder) {
     set_ = std::move(set);
+    MakeSettings();
     folder_ = folder;
     set_->SetProjectFolder(folder_);
     CAnimationSetObj::SetCurrent(set_.get());
@@ -69,7 +79,9 @@ UT_FilePath CSketchrunDoc::ProjectFile() const {
     return folder_.Append(set_ ? set_->Name() + u".qmp" : UT_WString(u".qmp"));
 }
 
-bool CSketchrunDoc::IsModified() const { return set_ && set_->IsDirty(); }
+bool CSketchrunDoc::IsModified() const {
+    return set_ && set_->IsDirty();
+}
 
 bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
     std::error_code ec;
@@ -78,6 +90,7 @@ bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
 
     set_ = std::make_unique<CAnimationSetObj>();
     CAnimationSetObj::SetCurrent(set_.get());
+    MakeSettings();
     folder_ = path.Folder();
     set_->SetProjectFolder(folder_);
     set_->SetName(path.BaseName());
@@ -87,7 +100,8 @@ bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
     if (!path.IsFile() && !RecoverInterruptedSave(path)) {
         UT_MessageHandler::Post(
             UT_MessageHandler::kError,
-            UT_Fmt(u"%S could not be found.\nThis file may have been moved, renamed or deleted.", path.Wide()));
+            UT_Fmt(u"%S could not be found.\nThis file may have been moved, renamed or deleted.",
+                   path.Wide()));
         return false;
     }
     try {
@@ -107,11 +121,12 @@ bool CSketchrunDoc::OpenPath(const UT_FilePath& requested) {
 bool CSketchrunDoc::ConfirmConversion() const {
     if (set_->Version() >= CAnimationSetObj::kCurrentVersion)
         return true;
-    const int answer = UT_MessageHandler::Ask(
-        UT_MessageHandler::kYesNo,
-        u"Saving the animation will convert it to Quilmoor Studio V2.0 format.\nOnce converted, you will not be "
-        u"able to open this animation in V1.0.\nDo you want to continue?",
-        UT_MessageHandler::kYes);
+    const int answer =
+        UT_MessageHandler::Ask(UT_MessageHandler::kYesNo,
+                               u"Saving the animation will convert it to Quilmoor Studio V2.0 format.\nOnce "
+                               u"converted, you will not be "
+                               u"able to open this animation in V1.0.\nDo you want to continue?",
+                               UT_MessageHandler::kYes);
     return answer == UT_MessageHandler::kYes;
 }
 
@@ -174,23 +189,21 @@ bool CSketchrunDoc::SaveAsTo(const UT_WString& location, const UT_WString& name)
         return false;
     };
     // Copying a folder into itself would never end, and would mix two projects.
-    const auto [oldEnd, newIt] = std::mismatch(oldFolder.begin(), oldFolder.end(), newFolder.begin(), newFolder.end());
+    const auto [oldEnd, newIt] =
+        std::mismatch(oldFolder.begin(), oldFolder.end(), newFolder.begin(), newFolder.end());
     if (!oldFolder.empty() && oldEnd == oldFolder.end())
         return refuse();
 
     const UT_WString oldName = set_->Name();
     if (folder_.IsFolder()) {
-        fs::create_directories(newFolder, ec);
-        if (ec)
-            return refuse();
-        for (const fs::directory_entry& entry : fs::directory_iterator(folder_.Path(), ec)) {
-            fs::copy(entry.path(), newFolder / entry.path().filename(),
-                     fs::copy_options::recursive | fs::copy_options::overwrite_existing, ec);
-            if (ec)
-                return refuse();
+        const bool existed = fs::exists(newFolder, ec);
+        const CopyResult copied = CopyProjectFolder(newFolder);
+        if (copied != CopyResult::kDone) {
+            // What this Save As made goes again; a folder that was there stays.
+            if (!existed)
+                fs::remove_all(newFolder, ec);
+            return copied == CopyResult::kFailed ? refuse() : false;
         }
-        if (ec)
-            return refuse();
         fs::remove(newFolder / UT_ToUtf8(oldName + u".qmp"), ec);
     }
     folder_ = UT_FilePath(newFolder);
@@ -199,6 +212,41 @@ bool CSketchrunDoc::SaveAsTo(const UT_WString& location, const UT_WString& name)
     host_.SetDocumentTitle(name);
     host_.AddRecentFile(ProjectFile());
     return Save(false, true);
+}
+
+CSketchrunDoc::CopyResult CSketchrunDoc::CopyProjectFolder(const fs::path& newFolder) {
+    std::error_code ec;
+    std::vector<fs::directory_entry> entries;
+    for (auto it = fs::recursive_directory_iterator(folder_.Path(), ec);
+         !ec && it != fs::recursive_directory_iterator(); it.increment(ec))
+        entries.push_back(*it);
+    if (ec)
+        return CopyResult::kFailed;
+    fs::create_directories(newFolder, ec);
+    if (ec)
+        return CopyResult::kFailed;
+
+    // Sound files make a project folder large: the copy shows its progress and may be
+    // cancelled between two files.
+    const std::unique_ptr<UT_Progress> progress = host_.CreateProgress(u"Save As");
+    progress->SetRange(0, static_cast<int64_t>(entries.size()), 0);
+    int64_t done = 0;
+    for (const fs::directory_entry& entry : entries) {
+        progress->ProcessEvents();
+        if (progress->IsCancelled())
+            return CopyResult::kCancelled;
+        const fs::path to = newFolder / fs::relative(entry.path(), folder_.Path(), ec);
+        if (ec)
+            return CopyResult::kFailed;
+        if (entry.is_directory(ec))
+            fs::create_directories(to, ec);
+        else
+            fs::copy_file(entry.path(), to, fs::copy_options::overwrite_existing, ec);
+        if (ec)
+            return CopyResult::kFailed;
+        progress->SetPosition(++done);
+    }
+    return CopyResult::kDone;
 }
 
 bool CSketchrunDoc::SaveAs() {
@@ -213,8 +261,9 @@ bool CSketchrunDoc::SaveAs() {
 bool CSketchrunDoc::SaveModified() {
     if (!IsModified())
         return true;
-    const int answer = UT_MessageHandler::Ask(UT_MessageHandler::kYesNoCancel,
-                                              UT_Fmt(u"Save changes to %1$S?", set_->Name()), UT_MessageHandler::kNo);
+    const int answer =
+        UT_MessageHandler::Ask(UT_MessageHandler::kYesNoCancel,
+                               UT_Fmt(u"Save changes to %1$S?", set_->Name()), UT_MessageHandler::kNo);
     if (answer == UT_MessageHandler::kCancel)
         return false;
     if (answer == UT_MessageHandler::kYes)

@@ -3,10 +3,12 @@
 #include "core/UT_FilePath.h"
 #include "core/UT_String.h"
 
+#include <filesystem>
 #include <memory>
 
 class CAnimationSetObj;
 class CSketchrunHost;
+class SPO_SettingsMgr;
 
 // One open animation set and its project folder, with the Open, Save, Save As and
 // unsaved-changes flows.
@@ -36,6 +38,8 @@ public:
     bool SaveModified();
 
     CAnimationSetObj* Set() const { return set_.get(); }
+    // The scene-planning settings, made anew with each set.
+    SPO_SettingsMgr* Settings() const { return settings_.get(); }
     const UT_FilePath& ProjectFolder() const { return folder_; }
     UT_FilePath ProjectFile() const;
     bool IsModified() const;
@@ -44,9 +48,18 @@ public:
     bool ConfirmConversion() const;
 
 private:
+    enum class CopyResult { kDone, kFailed, kCancelled };
+
     bool WriteProject();
+    // Copies every file and folder of the project folder into `newFolder`.
+    CopyResult CopyProjectFolder(const std::filesystem::path& newFolder);
+
+    // Gives the set its own scene-planning settings, replacing those of the last one.
+    void MakeSettings();
 
     CSketchrunHost& host_;
+    // Declared first, so that the set dies before its settings.
+    std::unique_ptr<SPO_SettingsMgr> settings_;
     std::unique_ptr<CAnimationSetObj> set_;
     UT_FilePath folder_;
 };

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "core/UT_FilePath.h"
+#include "core/UT_Progress.h"
 #include "core/UT_String.h"
 
+#include <memory>
 #include <optional>
 
 class CNewAnimationDlg;
@@ -24,4 +26,10 @@ public:
     // Menu 130 (no document) or 133 (a document), and the views of a document.
     virtual void ShowDocument(bool open) = 0;
     virtual void SetWaitCursor(bool on) = 0;
+    // A progress display for one long operation, gone when the pointer is released.
+    // Hosts without a display give one that shows nothing and is never cancelled.
+    virtual std::unique_ptr<UT_Progress> CreateProgress(const UT_WString& title) {
+        (void)title;
+        return std::make_unique<UT_NullProgress>();
+    }
 };

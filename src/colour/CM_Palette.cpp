@@ -204,6 +204,18 @@ void CM_Palette::CopyFrom(const CM_Palette& other) {
     Touch();
 }
 
+std::unique_ptr<CM_Palette> CM_Palette::Clone() const {
+    auto copy = std::make_unique<CM_Palette>();
+    copy->name_ = name_;
+    copy->id_ = id_;
+    copy->styles_ = styles_;
+    copy->currentStyle_ = currentStyle_;
+    copy->entries_.reserve(entries_.size());
+    for (const auto& entry : entries_)
+        copy->entries_.push_back(entry->Duplicate());
+    return copy;
+}
+
 void CM_Palette::AttachTo(CM_PaletteList* list) {
     list_ = list;
     for (auto& entry : entries_)

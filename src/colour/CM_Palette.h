@@ -76,6 +76,9 @@ public:
     // current style, and for each entry a new one with the same name and values and a
     // newly generated id.
     void CopyFrom(const CM_Palette& other);
+    // An exact copy outside any list: the same name, id, styles and current style, and a
+    // duplicate of each entry with its id (textures share their images with the original).
+    std::unique_ptr<CM_Palette> Clone() const;
 
     CM_PaletteList* GetList() const { return list_; }
 

@@ -5,10 +5,12 @@
 
 CM_RecoverColors::CM_RecoverColors(CM_PaletteList* list, UT_UniqueId paletteId,
                                    std::vector<std::unique_ptr<CM_BaseColorObj>> entries, Direction direction)
-    : list_(list), paletteId_(paletteId), entries_(std::move(entries)), direction_(direction) {}
+    : paletteId_(paletteId), entries_(std::move(entries)), direction_(direction) {
+    SetList(list);
+}
 
 void CM_RecoverColors::Read(DB_Archive& archive) {
-    list_ = static_cast<CM_PaletteList*>(archive.Context());
+    SetList(static_cast<CM_PaletteList*>(archive.Context()));
     const uint32_t count = archive.ReadCount(2);
     std::vector<std::unique_ptr<CM_BaseColorObj>> entries;
     entries.reserve(count);
@@ -24,23 +26,24 @@ void CM_RecoverColors::Write(DB_Archive& archive) {
             archive.ThrowUnexpected();
 }
 
-std::unique_ptr<CM_RecoverColors> CM_RecoverColors::Execute() {
-    if (!list_)
+std::unique_ptr<UT_Command> CM_RecoverColors::Execute() {
+    CM_PaletteList* list = List();
+    if (!list)
         return nullptr;
     std::vector<std::unique_ptr<CM_BaseColorObj>> moved;
     if (direction_ == kAdd) {
-        CM_Palette* palette = list_->FindPalette(paletteId_);
+        CM_Palette* palette = list->FindPalette(paletteId_);
         if (!palette)
-            palette = list_->EnsureRecoveredPalette(paletteId_);
+            palette = list->EnsureRecoveredPalette(paletteId_);
         for (auto& entry : entries_) {
             moved.push_back(entry->Duplicate());
             palette->AddEntry(std::move(entry));
         }
         entries_.clear();
-        list_->NotifyChange(CM_PaletteListData::kEntriesAdded, UT_UniqueId(), paletteId_);
-        return std::make_unique<CM_RecoverColors>(list_, paletteId_, std::move(moved), kRemove);
+        list->NotifyChange(CM_PaletteListData::kEntriesAdded, UT_UniqueId(), paletteId_);
+        return std::make_unique<CM_RecoverColors>(list, paletteId_, std::move(moved), kRemove);
     }
-    CM_Palette* palette = list_->FindPalette(paletteId_);
+    CM_Palette* palette = list->FindPalette(paletteId_);
     if (!palette)
         return nullptr;
     for (const auto& entry : entries_) {
@@ -49,10 +52,17 @@ std::unique_ptr<CM_RecoverColors> CM_RecoverColors::Execute() {
             moved.push_back(palette->TakeEntry(size_t(index)));
     }
     if (palette->GetEntryCount() == 0) {
-        list_->RemovePalette(paletteId_);
-        list_->NotifyChange(CM_PaletteListData::kPaletteRemoved, UT_UniqueId(), paletteId_);
+        list->RemovePalette(paletteId_);
+        list->NotifyChange(CM_PaletteListData::kPaletteRemoved, UT_UniqueId(), paletteId_);
     } else {
-        list_->NotifyChange(CM_PaletteListData::kEntriesAdded, UT_UniqueId(), paletteId_);
+        list->NotifyChange(CM_PaletteListData::kEntriesAdded, UT_UniqueId(), paletteId_);
     }
-    return std::make_unique<CM_RecoverColors>(list_, paletteId_, std::move(moved), kAdd);
+    return std::make_unique<CM_RecoverColors>(list, paletteId_, std::move(moved), kAdd);
+}
+
+uint32_t CM_RecoverColors::Size() const {
+    uint32_t bytes = CM_BaseCommand::Size();
+    for (const auto& entry : entries_)
+        bytes += SizeOf(*entry);
+    return bytes;
 }

@@ -98,15 +98,22 @@ std::vector<CM_GradientStops> CM_Tint::Compute(const CM_Palette& palette, uint32
 
 std::vector<CM_GradientStops> CM_Tint::Install(CM_Palette& palette, uint32_t style,
                                                const std::vector<CM_GradientStops>& values) {
-    std::vector<CM_GradientStops> previous(palette.GetEntryCount());
-    if (!palette.SetCurrentStyle(style))
-        return previous;
-    for (size_t i = 0; i < previous.size() && i < values.size(); ++i) {
+    return Install(palette, style, values, style);
+}
+
+std::vector<CM_GradientStops> CM_Tint::Install(CM_Palette& palette, uint32_t style,
+                                               const std::vector<CM_GradientStops>& values,
+                                               uint32_t inForce) {
+    if (style >= palette.GetStyleCount() || inForce >= palette.GetStyleCount())
+        return {};
+    std::vector<CM_GradientStops> previous(std::min(palette.GetEntryCount(), values.size()));
+    for (size_t i = 0; i < previous.size(); ++i) {
         if (auto* color = dynamic_cast<CM_Color*>(palette.GetEntry(i))) {
-            previous[i] = color->Stops();
-            color->Stops() = values[i];
+            previous[i] = color->ValueAt(style);
+            color->ValueAt(style) = values[i];
         }
     }
+    palette.SetCurrentStyle(inForce);
     if (CM_PaletteList* list = palette.GetList())
         list->NotifyChange(CM_PaletteListData::kStyleTinted, UT_UniqueId(), palette.GetId());
     return previous;

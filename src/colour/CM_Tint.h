@@ -35,11 +35,17 @@ public:
     // The tinted stops of every entry's style `fromStyle`, by entry position; textures give
     // empty lists. This is also the preview: the palette is not changed.
     std::vector<CM_GradientStops> Compute(const CM_Palette& palette, uint32_t fromStyle) const;
-    // Makes `style` the palette's style in force and gives each colour entry the value of
-    // the same position (a texture's is skipped). Returns the values that were replaced,
-    // for undo, and sends kind 13 through the palette's list if it has one.
+    // Gives each colour entry's style `style` the value of the same position (a texture's
+    // is skipped), and makes `style` the palette's style in force. Returns the values that
+    // were replaced, for undo, and sends kind 13 through the palette's list if it has one.
+    // Nothing happens, and nothing is returned, for a style the palette lacks.
     static std::vector<CM_GradientStops> Install(CM_Palette& palette, uint32_t style,
                                                  const std::vector<CM_GradientStops>& values);
+    // The same, leaving the style `inForce` in force afterwards: an undo puts back the
+    // values of the tinted style and the style the user had before.
+    static std::vector<CM_GradientStops> Install(CM_Palette& palette, uint32_t style,
+                                                 const std::vector<CM_GradientStops>& values,
+                                                 uint32_t inForce);
 
     static CM_Hsv RgbToHsv(BM_Rgba colour);
     // Channels rounded to the nearest integer; a hue of 360 is the hue 0.

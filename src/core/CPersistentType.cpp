@@ -1,6 +1,7 @@
 #include "core/CPersistentType.h"
 
 #include "core/DB_MemFile.h"
+#include "core/DD_DragDataStore.h"
 #include "core/PR_UserColorSettings.h"
 
 #include <stdexcept>
@@ -44,6 +45,7 @@ std::string CPersistentTypeRegistry::ShortName(uint16_t id) const {
 
 void CoreRegisterTypes() {
     CPersistentTypeRegistry& registry = CPersistentTypeRegistry::Instance();
+    registry.Register<DD_DragDataStore>(50, "DragDataStore");
     registry.Register<DB_MemFile>(600, "DB_MemFile");
     registry.Register<PR_UserColorSettings>(400, "TL_UISettings");
 }

@@ -49,5 +49,6 @@ private:
     std::map<std::type_index, uint16_t> byClass_;
 };
 
-// Registers the persistent classes of the core library (the memory file).
+// Registers the persistent classes of the core library (the memory file, the drag data
+// store, the user colours).
 void CoreRegisterTypes();

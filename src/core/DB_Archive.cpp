@@ -107,7 +107,7 @@ DB_Archive::DB_Archive(DB_Stream* stream, bool embedded)
 
 DB_Archive::DB_Archive(DB_Archive& parent)
     : stream_(nullptr), embedded_(false), context_(parent.context_),
-      table_(std::make_unique<DB_ObjectTable>()) {
+      table_(std::make_unique<DB_ObjectTable>()), trace_(parent.trace_) {
     if (parent.stream_) {
         stream_ = parent.stream_;
         version_ = parent.version_;
@@ -298,19 +298,31 @@ void DB_Archive::ReadTyped(CPersistentObjBase& object) {
     NestingGuard guard(*this);
     const uint16_t id = ReadU16();
     const std::optional<uint16_t> expected = CPersistentTypeRegistry::Instance().IdOf(object);
-    if (!expected || *expected != id)
+    const bool matches = expected && *expected == id;
+    if (trace_)
+        trace_->ObjectBegins(id, matches ? &object : nullptr);
+    if (!matches)
         ThrowUnexpected();
     object.Read(*this);
+    if (trace_)
+        trace_->ObjectEnds();
 }
 
 std::unique_ptr<CPersistentObjBase> DB_Archive::ReadNew() {
     NestingGuard guard(*this);
     const uint16_t id = ReadU16();
     const CPersistentTypeBase* factory = CPersistentTypeRegistry::Instance().Find(id);
-    if (!factory)
+    if (!factory) {
+        if (trace_)
+            trace_->ObjectBegins(id, nullptr);
         ThrowUnexpected();
+    }
     std::unique_ptr<CPersistentObjBase> object = factory->Create();
+    if (trace_)
+        trace_->ObjectBegins(id, object.get());
     object->Read(*this);
+    if (trace_)
+        trace_->ObjectEnds();
     return object;
 }
 
@@ -334,9 +346,13 @@ std::shared_ptr<CPersistentObjBase> DB_Archive::ReadShared() {
     if (tag != 0) {
         std::shared_ptr<CPersistentObjBase> object = ReadNew();
         table_->read.push_back(object);
+        if (trace_)
+            trace_->SharedEntered(static_cast<uint32_t>(table_->read.size() - 1));
         return object;
     }
     const uint32_t index = ReadU32();
+    if (trace_)
+        trace_->SharedReferenced(index);
     if (index < table_->read.size())
         return table_->read[index];
     return nullptr;

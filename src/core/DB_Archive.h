@@ -12,6 +12,21 @@
 #include <string>
 #include <vector>
 
+// Told of every object that an archive reads, in the order the reader meets them; a
+// debugging aid (qms dump). Objects nest: each ObjectBegins is followed by the calls of
+// the objects inside it, then by its ObjectEnds, unless reading stopped with an exception.
+class DB_ArchiveTrace {
+public:
+    virtual ~DB_ArchiveTrace() = default;
+    // The type id of an object was just read; `object` is null when no class has this id.
+    virtual void ObjectBegins(uint16_t typeId, const CPersistentObjBase* object) = 0;
+    virtual void ObjectEnds() = 0;
+    // The object that just ended entered the shared-reference table under `index`.
+    virtual void SharedEntered(uint32_t index) = 0;
+    // A reference to the table's entry `index` was read.
+    virtual void SharedReferenced(uint32_t index) = 0;
+};
+
 // Shared-reference state of one archive. Index 0 is the null object on both sides.
 class DB_ObjectTable {
 public:
@@ -49,6 +64,9 @@ public:
     bool HeaderFlag() const { return headerFlag_; }
     void SetHeaderFlag(bool flag) { headerFlag_ = flag; }
     DB_ObjectTable& Table() { return *table_; }
+    // Not owned; null for none. A nested archive takes its parent's.
+    void SetTrace(DB_ArchiveTrace* trace) { trace_ = trace; }
+    DB_ArchiveTrace* Trace() const { return trace_; }
 
     // Primitives.
     void WriteBool(bool v);
@@ -135,6 +153,7 @@ private:
     void* context_ = nullptr;
     std::unique_ptr<DB_ObjectTable> table_;
     bool headerFlag_ = false;
+    DB_ArchiveTrace* trace_ = nullptr;
 };
 
 template <class T> std::unique_ptr<T> DB_Archive::ReadNewAs() {

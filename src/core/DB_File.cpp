@@ -2,7 +2,13 @@
 
 #include "core/DB_Exception.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
+
+namespace {
+constexpr size_t kReadBufferSize = 64 * 1024;
+}
 
 DB_File::~DB_File() {
     if (file_)
@@ -23,6 +29,7 @@ bool DB_File::Open(const UT_FilePath& path, Mode mode) {
         return false;
     position_ = 0;
     size_ = 0;
+    bufferPos_ = bufferEnd_ = 0;
     if (mode == Mode::Read) {
         const int64_t size = path.FileSize();
         size_ = size > 0 ? static_cast<uint64_t>(size) : 0;
@@ -46,13 +53,28 @@ void DB_File::Read(void* destination, size_t count) {
         return;
     if (!file_)
         throw DB_Exception(u"Error reading from file");
-    const size_t got = std::fread(destination, 1, count, file_);
-    position_ += got;
-    if (got != count) {
-        if (std::feof(file_))
-            throw DB_Exception(u"Reading past end of file");
-        throw DB_Exception(u"Error reading from file");
+    auto* out = static_cast<uint8_t*>(destination);
+    while (count > 0) {
+        if (bufferPos_ == bufferEnd_ && !Refill()) {
+            if (std::feof(file_))
+                throw DB_Exception(u"Reading past end of file");
+            throw DB_Exception(u"Error reading from file");
+        }
+        const size_t take = std::min(count, bufferEnd_ - bufferPos_);
+        std::memcpy(out, buffer_.data() + bufferPos_, take);
+        bufferPos_ += take;
+        position_ += take;
+        out += take;
+        count -= take;
     }
+}
+
+bool DB_File::Refill() {
+    if (buffer_.empty())
+        buffer_.resize(kReadBufferSize);
+    bufferPos_ = 0;
+    bufferEnd_ = std::fread(buffer_.data(), 1, buffer_.size(), file_);
+    return bufferEnd_ > 0;
 }
 
 void DB_File::Write(const void* source, size_t count) {
@@ -69,6 +91,7 @@ void DB_File::Rewind() {
     if (file_)
         std::rewind(file_);
     position_ = 0;
+    bufferPos_ = bufferEnd_ = 0;
 }
 
 uint64_t DB_File::BytesLeft() const {

@@ -4,6 +4,7 @@
 #include "core/UT_FilePath.h"
 
 #include <cstdio>
+#include <vector>
 
 // A buffered file on disk. Open for reading ("rb") or writing ("w+b"). Close checks
 // that every buffered byte reached the disk: a full disk surfaces here as DB_Exception.
@@ -29,7 +30,15 @@ public:
     uint64_t BytesLeft() const override;
 
 private:
+    // Refills the read buffer; false at the end of the file.
+    bool Refill();
+
     std::FILE* file_ = nullptr;
+    // Reading goes through a buffer of our own: a project is read one small value at a
+    // time, and a call into the C library for each would dominate the load.
+    std::vector<uint8_t> buffer_;
+    size_t bufferPos_ = 0;
+    size_t bufferEnd_ = 0;
     UT_FilePath path_;
     Mode mode_ = Mode::Read;
     uint64_t size_ = 0;

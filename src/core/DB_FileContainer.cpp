@@ -49,7 +49,10 @@ void WriteHeader(DB_Archive& archive, uint32_t kind) {
     archive.WriteU8(0);
 }
 
-void ReadHeader(DB_Archive& archive, uint32_t kind, const UT_WString& fileName) {
+namespace {
+
+// `kind` null accepts any kind.
+uint32_t ReadHeaderOfKind(DB_Archive& archive, const uint32_t* kind, const UT_WString& fileName) {
     // The magic is 24 characters; a longer run before the NUL is not ours.
     char magic[26];
     char version[16];
@@ -68,7 +71,7 @@ void ReadHeader(DB_Archive& archive, uint32_t kind, const UT_WString& fileName) 
         ThrowInvalid(fileName);
     }
     archive.SetVersion(ParseVersion(versionText));
-    if (readKind != kind)
+    if (kind && readKind != *kind)
         ThrowInvalid(fileName);
     if (!IsSupportedVersion(archive.Version()))
         throw DB_Exception(UT_Fmt(u"%S is not a supported version", archive.GetName()));
@@ -79,6 +82,17 @@ void ReadHeader(DB_Archive& archive, uint32_t kind, const UT_WString& fileName) 
             ThrowInvalid(fileName);
         }
     }
+    return readKind;
+}
+
+} // namespace
+
+void ReadHeader(DB_Archive& archive, uint32_t kind, const UT_WString& fileName) {
+    ReadHeaderOfKind(archive, &kind, fileName);
+}
+
+uint32_t ReadAnyHeader(DB_Archive& archive, const UT_WString& fileName) {
+    return ReadHeaderOfKind(archive, nullptr, fileName);
 }
 
 void LoadBare(const UT_FilePath& path, CPersistentObjBase& object, uint32_t kind, void* context) {

@@ -19,6 +19,8 @@ void WriteHeader(DB_Archive& archive, uint32_t kind);
 // Sets the archive's version from the header; throws on a wrong magic or kind
 // ("%S  is not a valid Quilmoor Studio file.") or an unsupported version.
 void ReadHeader(DB_Archive& archive, uint32_t kind, const UT_WString& fileName);
+// The same for a file of any kind; returns the kind that the header names.
+uint32_t ReadAnyHeader(DB_Archive& archive, const UT_WString& fileName);
 bool IsSupportedVersion(int32_t version);
 
 void LoadBare(const UT_FilePath& path, CPersistentObjBase& object, uint32_t kind, void* context = nullptr);

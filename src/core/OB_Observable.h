@@ -32,6 +32,8 @@ public:
         return std::find(observers_.begin(), observers_.end(), observer) != observers_.end();
     }
     size_t ObserverCount() const { return observers_.size(); }
+    // In the order they were attached.
+    const std::vector<Interface*>& Observers() const { return observers_; }
     bool IsNotifying() const { return depth_ > 0; }
 
 private:

@@ -283,6 +283,42 @@ UT_WString PR_Preferences::Validate(Key key, std::string_view text) const {
     return {};
 }
 
+std::vector<PR_Preferences::Key> PR_Preferences::KeysOfPage(Page page) {
+    std::vector<const char*> sections;
+    switch (page) {
+    case Page::kTemplate:
+        sections = {"Template"};
+        break;
+    case Page::kScene:
+        sections = {"UIUnits", "Scene"};
+        break;
+    case Page::kRenderer:
+        sections = {"Renderer"};
+        break;
+    case Page::kOnionSkin:
+        sections = {"OnionSkinColor"};
+        break;
+    case Page::kDefaultColors:
+        sections = {"UIColors"};
+        break;
+    case Page::kAnimation:
+        sections = {"Animation"};
+        break;
+    }
+    std::vector<Key> keys;
+    for (const char* section : sections)
+        for (size_t i = 0; i < kKeyCount; ++i)
+            if (SameName(kKeys[i].section, section))
+                keys.push_back(static_cast<Key>(i));
+    return keys;
+}
+
+UT_WString PR_Preferences::ChangeNotice(Page page) {
+    if (page == Page::kAnimation)
+        return u"This change will be applied to all new animation sets.";
+    return {};
+}
+
 UT_WString PR_Preferences::SetFromText(Key key, std::string_view text) {
     UT_WString refusal = Validate(key, text);
     if (!refusal.empty())

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 // The user's choices for all projects, read from and written to a settings store by
 // section. One instance serves the process; tests point it at a store of their own.
@@ -63,6 +64,9 @@ public:
         kKeyCount
     };
 
+    // The pages of the preference sheet that show these values.
+    enum class Page { kTemplate, kScene, kRenderer, kOnionSkin, kDefaultColors, kAnimation };
+
     struct KeyInfo {
         const char* section;
         const char* name;
@@ -115,6 +119,11 @@ public:
     UT_WString SetFromText(Key key, std::string_view text);
     // The checks of the preference pages, without setting anything.
     UT_WString Validate(Key key, std::string_view text) const;
+    // The keys a page shows, in the order of the sections: author, copyright and folders;
+    // units and path defaults; the renderer; onion skin; row colours; new sets.
+    static std::vector<Key> KeysOfPage(Page page);
+    // What a page tells the user once a change on it is accepted; empty for most pages.
+    static UT_WString ChangeNotice(Page page);
     void SetNumber(Key key, int64_t value) { numbers_[key] = value; }
     void SetText(Key key, const UT_WString& value) { texts_[key] = value; }
 

@@ -118,7 +118,9 @@ void PR_UserColorSettings::Read(DB_Archive& archive) {
 }
 
 void PR_UserColorSettings::Write(DB_Archive& archive) {
-    if (owner_) {
+    // A snapshot in memory (an undo step, a drag) copies the settings as they are.
+    const bool toFile = !archive.IsEmbedded();
+    if (owner_ && toFile) {
         for (auto& map : maps_)
             std::erase_if(map, [this](const auto& entry) { return !owner_->ElementExists(entry.first); });
     }
@@ -135,5 +137,6 @@ void PR_UserColorSettings::Write(DB_Archive& archive) {
     }
     for (bool flag : flags_)
         archive.WriteBool(flag);
-    modified_ = false;
+    if (toFile)
+        modified_ = false;
 }

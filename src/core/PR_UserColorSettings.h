@@ -74,7 +74,8 @@ public:
     static PR_ColorRecord FromBgr(uint32_t bgr);
 
     void Read(DB_Archive& archive) override;
-    // Drops the entries of elements that no longer exist, writes, and clears Modified.
+    // Drops the entries of elements that no longer exist, writes, and clears Modified;
+    // written into an embedded archive (a snapshot) it only writes.
     void Write(DB_Archive& archive) override;
 
 private:

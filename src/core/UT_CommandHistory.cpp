@@ -5,10 +5,13 @@
 #include <cassert>
 
 bool UT_CommandHistory::Execute(UT_Command& command, const UT_WString& name) {
-    // A command that may give no inverse would wipe the history here; it belongs in a group.
-    assert(!command.InverseIsOptional());
+    // A command that may give no inverse would wipe the history on its own; it runs only
+    // while a group is open, which leaves the missing inverse out.
+    assert(!command.InverseIsOptional() || group_);
     std::unique_ptr<UT_Command> inverse = command.Execute();
     if (!inverse) {
+        if (command.InverseIsOptional() && group_)
+            return true;
         Clear();
         return false;
     }

@@ -27,7 +27,8 @@ public:
     UT_CommandHistory& operator=(const UT_CommandHistory&) = delete;
 
     // Executes `command` (which stays the caller's) and records its inverse under `name`.
-    // A command without inverse discards the whole history and gives false.
+    // A command without inverse discards the whole history and gives false, unless it is
+    // one whose inverse is optional, run while a group is open.
     bool Execute(UT_Command& command, const UT_WString& name);
     // Records the inverse of a change already made: into the open group if there is one.
     void Add(std::unique_ptr<UT_Command> inverse, const UT_WString& name);
@@ -38,6 +39,11 @@ public:
     // Drops the open group without executing anything.
     void AbortGroup();
     bool IsGroupOpen() const { return group_ != nullptr; }
+    // Takes the open group out, leaving none open; null when none was open. With SetGroup
+    // this lets a caller nest a group of its own inside another and put the outer back.
+    std::unique_ptr<UT_ComplexCommand> TakeGroup() { return std::move(group_); }
+    // Makes `group` the open group (null: none), dropping any group that was open.
+    void SetGroup(std::unique_ptr<UT_ComplexCommand> group) { group_ = std::move(group); }
 
     void Undo();
     void Redo();

@@ -9,7 +9,8 @@ class CPersistentObjBase;
 
 // A command that keeps a snapshot of an object in memory. The snapshot is written through
 // an embedded archive, so drawing data goes into the memory file and never to disk.
-class UT_StreamCommand : public UT_Command {
+// UT_Command is a virtual base, so that a command on the set can be a snapshot command too.
+class UT_StreamCommand : public virtual UT_Command {
 public:
     // `context` is handed to the archive of every snapshot (the palette list in practice).
     explicit UT_StreamCommand(void* context = nullptr) : context_(context) {}

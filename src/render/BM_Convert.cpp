@@ -1,6 +1,7 @@
 #include "render/BM_Convert.h"
 
 #include "render/BM_PixelMap.h"
+#include "render/detail/BM_PixelKernels.h"
 
 #include <algorithm>
 #include <array>
@@ -25,19 +26,10 @@ template <class D, class S> void ConvertPixels(BM_Bitmap& dst, const BM_Bitmap& 
     }
 }
 
-// Bgra32 and Rgba32 differ by the exchange of the first and third byte: one word operation.
+// Bgra32 and Rgba32 differ by the exchange of the first and third byte.
 void SwapRedBlue(BM_Bitmap& dst, const BM_Bitmap& src) {
-    const uint32_t width = src.Width();
-    for (uint32_t y = 0; y < src.Height(); ++y) {
-        const uint8_t* in = src.Row(y);
-        uint8_t* out = dst.Row(y);
-        for (uint32_t x = 0; x < width; ++x) {
-            uint32_t v;
-            std::memcpy(&v, in + size_t(x) * 4, 4);
-            v = (v & 0xFF00FF00u) | ((v >> 16) & 0xFFu) | ((v & 0xFFu) << 16);
-            std::memcpy(out + size_t(x) * 4, &v, 4);
-        }
-    }
+    for (uint32_t y = 0; y < src.Height(); ++y)
+        BM_Kernels::SwapRedBlue(dst.Row(y), src.Row(y), src.Width());
 }
 
 // Same pixel type in different classes: rows copied, each with its own stride.
@@ -117,75 +109,135 @@ std::vector<uint32_t> BoxBoundaries(uint32_t from, uint32_t to) {
     return ends;
 }
 
-// floor(sum / n) for sums of n bytes, by a multiply where that is exact: with
-// m = ceil(2^32 / n) the error stays below 1/n while n*n*255 < 2^32.
-struct Divider {
-    uint64_t n = 1, m = 0;
-    explicit Divider(uint64_t count)
-        : n(count), m(count < 4096 ? ((uint64_t(1) << 32) + count - 1) / count : 0) {}
-    template <class Acc> uint8_t operator()(Acc sum) const {
-        return static_cast<uint8_t>(m ? (uint64_t(sum) * m) >> 32 : uint64_t(sum) / n);
-    }
+using BM_Kernels::BoxDivider;
+
+// Where the channels of a box source lie: three or four bytes, red first or blue first.
+// The destinations, BM_PixelRgba32 and BM_PixelBgra32, are described the same way.
+template <class P> struct BoxLayout;
+template <> struct BoxLayout<BM_PixelRgba32> {
+    static constexpr uint32_t kBytes = 4;
+    static constexpr bool kRedFirst = true;
+};
+template <> struct BoxLayout<BM_PixelBgra32> {
+    static constexpr uint32_t kBytes = 4;
+    static constexpr bool kRedFirst = false;
+};
+template <> struct BoxLayout<BM_PixelRgb24> {
+    static constexpr uint32_t kBytes = 3;
+    static constexpr bool kRedFirst = true;
+};
+template <> struct BoxLayout<BM_PixelBgr24> {
+    static constexpr uint32_t kBytes = 3;
+    static constexpr bool kRedFirst = false;
 };
 
-// One band of source rows at a time: each row adds its pixels into one accumulator of
-// four channels per destination column, in registers while a column lasts; at the end of
-// the band the sums are divided by the box sizes and written as one destination row.
-template <class S, class D, class Acc> void BoxAverage(const BM_Bitmap& src, BM_Bitmap& dst) {
-    const uint32_t dstW = dst.Width(), dstH = dst.Height();
-    const std::vector<uint32_t> colEnds = BoxBoundaries(src.Width(), dstW);
-    const std::vector<uint32_t> rowEnds = BoxBoundaries(src.Height(), dstH);
-    std::vector<Acc> acc(size_t(dstW) * 4);
-    // The box sizes of a row of destination pixels depend only on the band height, which
-    // takes few values: the dividers are made once for each.
-    std::map<uint32_t, std::vector<Divider>> dividers;
-    uint32_t sy = 0;
-    for (uint32_t dy = 0; dy < dstH; ++dy) {
-        const uint32_t bandHeight = rowEnds[dy] - sy;
-        std::fill(acc.begin(), acc.end(), Acc(0));
-        for (; sy < rowEnds[dy]; ++sy) {
-            const uint8_t* in = src.Row(sy);
-            Acc* a = acc.data();
-            uint32_t sx = 0;
-            for (uint32_t dx = 0; dx < dstW; ++dx, a += 4) {
-                Acc r = 0, g = 0, b = 0, al = 0;
-                for (const uint32_t end = colEnds[dx]; sx < end; ++sx) {
-                    const BM_Rgba c = S::Get(in, sx).ToRgba();
-                    r += c.r;
-                    g += c.g;
-                    b += c.b;
-                    al += c.a;
-                }
-                a[0] += r;
-                a[1] += g;
-                a[2] += b;
-                a[3] += al;
-            }
-        }
-        std::vector<Divider>& divide = dividers[bandHeight];
-        if (divide.empty()) {
-            uint32_t colStart = 0;
-            for (uint32_t dx = 0; dx < dstW; ++dx) {
-                divide.emplace_back(uint64_t(colEnds[dx] - colStart) * bandHeight);
-                colStart = colEnds[dx];
-            }
-        }
-        uint8_t* out = dst.Row(dy);
-        const Acc* a = acc.data();
-        for (uint32_t dx = 0; dx < dstW; ++dx, a += 4) {
-            const Divider& d = divide[dx];
-            D::Put(out, dx, D::FromRgba({d(a[0]), d(a[1]), d(a[2]), d(a[3])}));
-        }
+// One destination row from the column sums of a band, for any source layout and sums of
+// any width. A source without alpha is opaque.
+template <class S, class D, class Column, class Total>
+void BoxRow(uint8_t* out, const Column* sums, const std::vector<uint32_t>& ends,
+            const std::vector<BoxDivider>& divide) {
+    constexpr uint32_t kBytes = BoxLayout<S>::kBytes;
+    const Column* p = sums;
+    uint32_t sx = 0;
+    for (uint32_t dx = 0; dx < ends.size(); ++dx) {
+        Total total[kBytes] = {};
+        for (; sx < ends[dx]; ++sx, p += kBytes)
+            for (uint32_t c = 0; c < kBytes; ++c)
+                total[c] += p[c];
+        const BoxDivider& d = divide[dx];
+        const uint8_t first = d(total[0]), green = d(total[1]), third = d(total[2]);
+        const uint8_t alpha = kBytes == 4 ? d(total[kBytes - 1]) : 255;
+        const BM_Rgba rgba = BoxLayout<S>::kRedFirst ? BM_Rgba{first, green, third, alpha}
+                                                     : BM_Rgba{third, green, first, alpha};
+        D::Put(out, dx, D::FromRgba(rgba));
     }
 }
 
-// 32-bit sums while a box cannot overflow them, 64-bit ones beyond.
+// The width of the narrowest box but the last when every box but the last has that width
+// or one more, else 0.
+uint32_t ShortestRegularWidth(const std::vector<uint32_t>& ends) {
+    uint32_t shortest = UINT32_MAX, longest = 0, start = 0;
+    for (size_t k = 0; k + 1 < ends.size(); ++k) {
+        shortest = std::min(shortest, ends[k] - start);
+        longest = std::max(longest, ends[k] - start);
+        start = ends[k];
+    }
+    return longest > 0 && longest - shortest <= 1 ? shortest : 0;
+}
+
+// One band of source rows at a time: the rows are added up column by column into one sum
+// per byte (a plain run over the bytes, whatever the pixel layout), then the sums of each
+// destination box are taken from those and divided. The work per source byte is one
+// widening add; the work per box is done once per band instead of once per row.
+// With `paired`, every box starts and ends on an even column: the column sums then take
+// two neighbouring pixels each, which halves the sums and the work of the boxes.
+template <class S, class D, class Column, class Total>
+void BoxAverage(const BM_Bitmap& src, BM_Bitmap& dst, const std::vector<uint32_t>& colEnds,
+                const std::vector<uint32_t>& rowEnds, bool paired) {
+    const uint32_t step = paired ? 2 : 1;
+    std::vector<uint32_t> sumEnds(colEnds);
+    for (uint32_t& end : sumEnds)
+        end /= step;
+    const uint32_t shortest = ShortestRegularWidth(sumEnds);
+    const size_t rowBytes = size_t(src.Width()) * BoxLayout<S>::kBytes;
+    std::vector<Column> sums(rowBytes / step);
+    std::vector<const uint8_t*> rows;
+    // The box sizes of a destination row depend only on the band height, which takes
+    // few values: the dividers are made once for each.
+    std::map<uint32_t, std::vector<BoxDivider>> dividers;
+    uint32_t sy = 0;
+    for (uint32_t dy = 0; dy < dst.Height(); ++dy) {
+        const uint32_t bandHeight = rowEnds[dy] - sy;
+        rows.clear();
+        for (; sy < rowEnds[dy]; ++sy)
+            rows.push_back(src.Row(sy));
+        if (paired)
+            BM_Kernels::SumRowsPaired(sums.data(), rows.data(), rows.size(), rowBytes);
+        else
+            BM_Kernels::SumRows(sums.data(), rows.data(), rows.size(), rowBytes);
+        std::vector<BoxDivider>& divide = dividers[bandHeight];
+        if (divide.empty()) {
+            uint32_t colStart = 0;
+            for (const uint32_t colEnd : colEnds) {
+                divide.emplace_back(uint64_t(colEnd - colStart) * bandHeight);
+                colStart = colEnd;
+            }
+        }
+        if constexpr (BoxLayout<S>::kBytes == 4 && sizeof(Total) == 4)
+            BM_Kernels::BoxRow4(dst.Row(dy), sums.data(), sumEnds.data(), divide.data(), dst.Width(),
+                                shortest, BoxLayout<S>::kRedFirst != BoxLayout<D>::kRedFirst);
+        else
+            BoxRow<S, D, Column, Total>(dst.Row(dy), sums.data(), sumEnds, divide);
+    }
+}
+
+uint32_t LongestRun(const std::vector<uint32_t>& ends) {
+    uint32_t longest = 0, start = 0;
+    for (const uint32_t end : ends) {
+        longest = std::max(longest, end - start);
+        start = end;
+    }
+    return longest;
+}
+
+// The narrowest sums that cannot overflow: 16-bit column sums for bands of at most 257
+// rows (128 when paired), 32-bit box totals while a box of one channel stays below 2^32.
 template <class S, class D> void BoxAverage(const BM_Bitmap& src, BM_Bitmap& dst) {
-    const uint64_t boxW = src.Width() / dst.Width() + 2, boxH = src.Height() / dst.Height() + 2;
-    if (boxW * boxH * 255 < (uint64_t(1) << 32))
-        BoxAverage<S, D, uint32_t>(src, dst);
+    const std::vector<uint32_t> colEnds = BoxBoundaries(src.Width(), dst.Width());
+    const std::vector<uint32_t> rowEnds = BoxBoundaries(src.Height(), dst.Height());
+    const bool paired = BoxLayout<S>::kBytes == 4 && std::all_of(colEnds.begin(), colEnds.end(),
+                                                                 [](uint32_t end) { return end % 2 == 0; });
+    const uint64_t band = uint64_t(LongestRun(rowEnds)) * 255;
+    const uint64_t column = band * (paired ? 2 : 1);
+    const bool narrowTotals = band * LongestRun(colEnds) <= UINT32_MAX;
+    if (column <= UINT16_MAX && narrowTotals)
+        BoxAverage<S, D, uint16_t, uint32_t>(src, dst, colEnds, rowEnds, paired);
+    else if (narrowTotals)
+        BoxAverage<S, D, uint32_t, uint32_t>(src, dst, colEnds, rowEnds, paired);
+    else if (column <= UINT32_MAX)
+        BoxAverage<S, D, uint32_t, uint64_t>(src, dst, colEnds, rowEnds, paired);
     else
-        BoxAverage<S, D, uint64_t>(src, dst);
+        BoxAverage<S, D, uint64_t, uint64_t>(src, dst, colEnds, rowEnds, paired);
 }
 
 template <class D> bool BoxAverageInto(const BM_Bitmap& src, BM_Bitmap& dst) {
@@ -221,7 +273,9 @@ bool BoxScale(const BM_Bitmap& src, uint32_t newWidth, uint32_t newHeight, BM_Bi
     }
     const BM_PixelType dstType = dst.GetPixelType();
     if (dstType == BM_PixelType::Rgba32 || dstType == BM_PixelType::Bgra32) {
-        dst.Resize(newWidth, newHeight);
+        // Every pixel is written below: a map of the right size is reused as it is.
+        if (dst.Width() != newWidth || dst.Height() != newHeight)
+            dst.Resize(newWidth, newHeight);
         if (dst.IsEmpty() || source->IsEmpty())
             return true;
         return dstType == BM_PixelType::Rgba32 ? BoxAverageInto<BM_PixelRgba32>(*source, dst)

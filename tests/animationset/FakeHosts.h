@@ -36,6 +36,17 @@ public:
     std::deque<int> answers;
 };
 
+// A progress that reports itself cancelled once it has been moved `steps` times.
+class CancellingProgress : public UT_NullProgress {
+public:
+    explicit CancellingProgress(int steps) : left_(steps) {}
+    void SetPosition(int64_t) override { --left_; }
+    bool IsCancelled() override { return left_ <= 0; }
+
+private:
+    int left_;
+};
+
 // The desktop as a test sees it: dialogs answered from fields, calls recorded.
 class FakeAppHost : public CSketchrunAppHost {
 public:
@@ -63,6 +74,16 @@ public:
     void SetProjectDir(const UT_FilePath& folder) override { projectDir = folder; }
     bool WantsDirect3D() override { return direct3D; }
     uint32_t UserDefaultLanguage() override { return language; }
+    bool LoadLanguagePack(uint32_t languageId) override {
+        requestedPack = languageId;
+        return packLoads;
+    }
+    std::unique_ptr<UT_Progress> CreateProgress(const UT_WString& title) override {
+        progressTitles.push_back(title);
+        if (cancelProgressAfter >= 0)
+            return std::make_unique<CancellingProgress>(cancelProgressAfter);
+        return std::make_unique<UT_NullProgress>();
+    }
 
     bool newDialogOk = true;
     UT_WString newName = u"Film";
@@ -79,13 +100,18 @@ public:
     UT_FilePath projectDir;
     bool direct3D = false;
     uint32_t language = 0x0409;
+    bool packLoads = true;
+    uint32_t requestedPack = 0;
+    std::vector<UT_WString> progressTitles;
+    int cancelProgressAfter = -1;
 };
 
 // A fresh folder for one test, removed afterwards.
 class TempFolder {
 public:
     explicit TempFolder(const std::string& name) {
-        path_ = std::filesystem::temp_directory_path() / ("qms-as-" + name + "-" + std::to_string(::getpid()));
+        path_ =
+            std::filesystem::temp_directory_path() / ("qms-as-" + name + "-" + std::to_string(::getpid()));
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }

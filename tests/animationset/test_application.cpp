@@ -1,13 +1,11 @@
 #include "FakeHosts.h"
 #include "RegisterAll.h"
-
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CSketchrunApp.h"
 #include "animationset/CSketchrunDoc.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
+#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 
@@ -43,8 +41,8 @@ TEST(ApplicationRules, LanguagePackSelection) {
     EXPECT_EQ(CSketchrunApp::SelectLanguagePack(0x0C0C), 1036u); // any French is France's
     EXPECT_EQ(CSketchrunApp::SelectLanguagePack(0x0411), 0x0411u);
     EXPECT_EQ(CSketchrunApp::SelectLanguagePack(0x0412), 0x0412u);
-    EXPECT_EQ(CSketchrunApp::SelectLanguagePack(0x0804), 2052u);  // 2052 lies in 2048..3071
-    EXPECT_EQ(CSketchrunApp::SelectLanguagePack(0x0C04), 1028u);  // 3076 lies beyond
+    EXPECT_EQ(CSketchrunApp::SelectLanguagePack(0x0804), 2052u); // 2052 lies in 2048..3071
+    EXPECT_EQ(CSketchrunApp::SelectLanguagePack(0x0C04), 1028u); // 3076 lies beyond
     EXPECT_EQ(CSketchrunApp::SelectLanguagePack(0x0407), 1033u);
     EXPECT_EQ(CSketchrunApp::LanguagePackName(1036), "res40c.dll");
     EXPECT_EQ(CSketchrunApp::SelectLanguagePack(CSketchrunApp::LanguageFromLocale("zh_CN.UTF-8")), 2052u);
@@ -92,15 +90,20 @@ TEST_F(ApplicationTest, StartUpChecksScreenFrameAndOptions) {
         EXPECT_TRUE(app.PlazmicExportEnabled());
         EXPECT_FALSE(app.UsesDirect3D());
         EXPECT_EQ(app.LanguageId(), 1036u);
+        EXPECT_EQ(host.requestedPack, 1036u);
         ASSERT_EQ(messages.messages.size(), 1u);
-        EXPECT_EQ(messages.messages[0].text, u"Failed to initialize DX7.0.\nOpenGL will be used for rendering.");
+        EXPECT_EQ(messages.messages[0].text,
+                  u"Failed to initialize DX7.0.\nOpenGL will be used for rendering.");
         EXPECT_TRUE(host.frameShown);
         EXPECT_EQ(app.Document(), nullptr);
     }
     {
+        // A pack that does not load leaves English.
+        host.packLoads = false;
         CSketchrunApp app(host);
         EXPECT_TRUE(app.InitInstance({}, "0"));
         EXPECT_TRUE(host.plazmicRemoved);
+        EXPECT_EQ(app.LanguageId(), CSketchrunApp::kEnglish);
     }
 }
 
@@ -121,7 +124,8 @@ TEST_F(ApplicationTest, CommandLineFileOpensOrEndsStartUp) {
     EXPECT_FALSE(other.InitInstance({(folder.Path() / "Nowhere.qmp").string()}, nullptr));
     EXPECT_EQ(other.Document(), nullptr);
     ASSERT_EQ(messages.messages.size(), 1u);
-    EXPECT_NE(messages.messages[0].text.find(u"could not be found.\nThis file may have been moved, renamed or deleted."),
+    EXPECT_NE(messages.messages[0].text.find(
+                  u"could not be found.\nThis file may have been moved, renamed or deleted."),
               UT_WString::npos);
 }
 

@@ -1,17 +1,19 @@
 // The document's Save, Save As and Open flows on real folders, with failures injected
 // through the file operations.
 
+#include "ByteBuilder.h"
+#include "DrawingTestUtil.h"
 #include "FakeHosts.h"
 #include "RegisterAll.h"
-
+#include "animationset/AS_CommonDrawingLevel.h"
+#include "animationset/AS_DrawingLevelObj.h"
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/CSketchrunDoc.h"
 #include "core/UT_FileOperations.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
+#include <gtest/gtest.h>
 #include <map>
 
 namespace fs = std::filesystem;
@@ -171,6 +173,29 @@ TEST_F(DocumentTest, SaveAsCopiesTheFolderAndRefusesItsOwnInside) {
     EXPECT_EQ(reopened.Set()->Sequence().size(), 1u);
 }
 
+TEST_F(DocumentTest, CancellingTheCopyOfSaveAsLeavesTheProjectAsItWas) {
+    auto document = MakeProjectWithPendingChanges();
+    ASSERT_TRUE(document->Save());
+    fs::create_directories(folder.Path() / "Reel" / "Sound");
+    std::ofstream(folder.Path() / "Reel" / "Sound" / "take.wav") << "RIFF";
+    const auto before = Snapshot(folder.Path() / "Reel");
+
+    host.cancelProgressAfter = 2;
+    messages.messages.clear();
+    EXPECT_FALSE(document->SaveAsTo(folder.Wide(), u"Copy"));
+    ASSERT_EQ(host.progressTitles.size(), 1u);
+    EXPECT_TRUE(messages.messages.empty()); // a cancel is no failure
+    EXPECT_FALSE(fs::exists(folder.Path() / "Copy"));
+    EXPECT_EQ(Snapshot(folder.Path() / "Reel"), before);
+    EXPECT_EQ(document->Set()->Name(), u"Reel");
+    EXPECT_EQ(document->ProjectFolder().Path(), folder.Path() / "Reel");
+
+    // Into a folder that was there already: the cancel leaves that folder alone.
+    fs::create_directories(folder.Path() / "Kept");
+    EXPECT_FALSE(document->SaveAsTo(folder.Wide(), u"Kept"));
+    EXPECT_TRUE(fs::is_directory(folder.Path() / "Kept"));
+}
+
 TEST_F(DocumentTest, OpenTakesTheNameFromTheFileAndRejectsDamage) {
     auto document = MakeProjectWithPendingChanges();
     ASSERT_TRUE(document->Save());
@@ -193,8 +218,54 @@ TEST_F(DocumentTest, OpenTakesTheNameFromTheFileAndRejectsDamage) {
     messages.messages.clear();
     EXPECT_FALSE(wrongKind.OpenPath(UT_FilePath(folder.Path() / "Reel" / "Kind.qmp")));
     ASSERT_EQ(messages.messages.size(), 1u);
-    EXPECT_EQ(messages.messages[0].text,
-              UT_FromUtf8((folder.Path() / "Reel" / "Kind.qmp").string()) + u"  is not a valid Quilmoor Studio file.");
+    EXPECT_EQ(messages.messages[0].text, UT_FromUtf8((folder.Path() / "Reel" / "Kind.qmp").string()) +
+                                             u"  is not a valid Quilmoor Studio file.");
+}
+
+TEST_F(DocumentTest, OpeningReadsNoDrawingFileAndSavingWritesOnlyChangedOnes) {
+    auto document = MakeProjectWithPendingChanges();
+    auto* level = static_cast<AS_VectorGraphicLevelObj*>(document->Set()->FindScene(1)->FindElement(2004));
+    ASSERT_NE(level, nullptr);
+    for (const char16_t* name : {u"1", u"2"}) {
+        level->CommonDrawing()
+            ->FindDrawing(level->CommonDrawing()->AddDrawing(name))
+            ->SetDrawing(MarkedDrawing(name[0]));
+    }
+    ASSERT_TRUE(document->Save());
+    const fs::path drawings = folder.Path() / "Reel" / "Scene-001" / "Drawing";
+    ASSERT_TRUE(fs::is_regular_file(drawings / "Drawing-1.qmd"));
+    ASSERT_TRUE(fs::is_regular_file(drawings / "Drawing-2.qmd"));
+
+    // With the drawing files gone, the project still opens cleanly: nothing reads them
+    // until a drawing is wanted, and only then is the loss reported.
+    fs::remove(drawings / "Drawing-1.qmd");
+    const std::string second = [&] {
+        std::ifstream in(drawings / "Drawing-2.qmd", std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    }();
+    fs::remove(drawings / "Drawing-2.qmd");
+    messages.messages.clear();
+    CSketchrunDoc reopened(host);
+    ASSERT_TRUE(reopened.OpenPath(UT_FilePath(folder.Path() / "Reel" / "Reel.qmp")));
+    EXPECT_TRUE(messages.messages.empty());
+    auto* opened = static_cast<AS_VectorGraphicLevelObj*>(reopened.Set()->FindScene(1)->FindElement(2004));
+    ASSERT_NE(opened, nullptr);
+    AS_DopeSheetDrawingObj* one = opened->CommonDrawing()->FindDrawing(1001);
+    AS_DopeSheetDrawingObj* two = opened->CommonDrawing()->FindDrawing(1002);
+    ASSERT_NE(one, nullptr);
+    ASSERT_NE(two, nullptr);
+    EXPECT_TRUE(one->HasFile() && two->HasFile());
+    EXPECT_FALSE(one->HasDrawing() || two->HasDrawing());
+
+    // The second drawing comes back and is used; a forced save rewrites the project but
+    // neither drawing: one was never loaded, the other is unchanged.
+    std::ofstream(drawings / "Drawing-2.qmd", std::ios::binary) << second;
+    ASSERT_NE(two->GetDrawing(), nullptr);
+    const auto stamp = fs::last_write_time(drawings / "Drawing-2.qmd");
+    ASSERT_TRUE(reopened.Save(false, true));
+    EXPECT_FALSE(fs::exists(drawings / "Drawing-1.qmd"));
+    EXPECT_EQ(fs::last_write_time(drawings / "Drawing-2.qmd"), stamp);
+    EXPECT_TRUE(messages.messages.empty());
 }
 
 } // namespace

@@ -3,10 +3,12 @@
 // the drawing files behind a drawing element.
 
 #include "ByteBuilder.h"
+#include "DrawingTestUtil.h"
 #include "animationset/AS_CameraLevelObj.h"
 #include "animationset/AS_DrawingLevelObj.h"
 #include "animationset/AS_EffectLevel.h"
 #include "animationset/AS_MediaLinkLevelObj.h"
+#include "animationset/AS_MediaManager.h"
 #include "animationset/AS_ParamGroupLevel.h"
 #include "animationset/AS_PegLevelObj.h"
 #include "animationset/AS_SoundLevel.h"
@@ -16,6 +18,7 @@
 #include "core/DB_Exception.h"
 #include "core/DB_FileContainer.h"
 #include "core/DB_MemFile.h"
+#include "core/DD_DragDataStore.h"
 #include "core/UT_FileTransaction.h"
 #include "motion/C3DInterpolation.h"
 #include "motion/CCatmullCurve.h"
@@ -80,6 +83,13 @@ void FillPlacement(AS_Placement& p) {
     p.keepProportions = true;
 }
 
+std::vector<uint8_t> PlacementOf(AS_Placement placement) {
+    DB_MemFile file;
+    DB_Archive archive(&file, false);
+    placement.Write(archive);
+    return BytesOf(file);
+}
+
 ByteBuilder& PlacementBytes(ByteBuilder& b) {
     for (int i = 1; i <= 12; ++i)
         b.F32(static_cast<float>(i));
@@ -119,6 +129,22 @@ TEST_F(LevelsTest, DrawingElementBodyAndRoundTrip) {
     EXPECT_EQ(read->Cells(), level->Cells());
     EXPECT_TRUE(read->CommonDrawing()->FindDrawing(1001)->IsLocked());
     EXPECT_EQ(Typed(*read), bytes);
+}
+
+// A new drawing must never take the id of one that exists: entries made under a known id
+// (undo, older files) and a damaged counter in a file both move the counter past them.
+TEST_F(LevelsTest, DrawingCounterStaysAboveEveryId) {
+    auto level = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
+    AS_CommonDrawingLevel& common = *level->CommonDrawing();
+    common.AddDrawingWithId(1005, u"5");
+    EXPECT_EQ(common.AddDrawing(u"6"), 1006u);
+
+    common.SetNextDrawingId(1001);
+    auto read = ReadBack<AS_VectorGraphicLevelObj>(Typed(*level));
+    AS_CommonDrawingLevel& readCommon = *read->CommonDrawing();
+    EXPECT_EQ(readCommon.AddDrawing(u"7"), 1007u);
+    EXPECT_EQ(readCommon.FindDrawing(1005)->GetName(), u"5");
+    EXPECT_EQ(readCommon.FindDrawing(1006)->GetName(), u"6");
 }
 
 TEST_F(LevelsTest, PlacementBlockIs81Bytes) {
@@ -403,13 +429,253 @@ TEST_F(LevelsTest, PlacementMatrix) {
     EXPECT_EQ(identity.Matrix(), AS_IdentityMatrix());
 }
 
-TEST_F(LevelsTest, MediaLinkWithoutCells) {
+TEST_F(LevelsTest, ImageElementBody) {
+    auto level = AS_BitmapLevelObj::Create(2008, u"Bg");
+    level->CommonDrawing()->AddDrawing(u"sky");
+    level->Cells() = {{AS_kInvalidId, u"x"}, {1001, u""}};
+    ByteBuilder expected;
+    expected.U16(13).U32(2008).Wide(u"").U32(0);
+    expected.U16(1).U16(16).Wide(u"Bg").U32(0).U32(2008).U32(1002).U32(1);
+    expected.U32(1001).Wide(u"sky").U32(1001).Bool(false).Bool(false);
+    expected.Raw(PlacementOf(AS_Placement()));
+    expected.U32(2).U32(AS_kInvalidId).Wide(u"x").U32(1001).Wide(u"");
+    const std::vector<uint8_t> bytes = Typed(*level);
+    ASSERT_EQ(bytes, expected.Bytes());
+    auto read = ReadBack<AS_BitmapLevelObj>(bytes);
+    EXPECT_EQ(read->GetFileExtension(), u"tga");
+    EXPECT_EQ(read->GetFirstFrame(), 1);
+    EXPECT_EQ(read->GetDuration(), 1u);
+    EXPECT_EQ(Typed(*read), bytes);
+}
+
+TEST_F(LevelsTest, MediaElementBodyWithRunsSharingATemplate) {
+    auto walk = std::make_shared<AS_MediaObj>(UT_UniqueId(0x1122334455667788ull), u"Walk");
+    auto run = std::make_shared<AS_MediaObj>(UT_UniqueId(9), u"Run");
     auto media = AS_MediaLinkLevelObj::Create(2020, u"M");
-    // Its common half has no type of its own to be written as.
-    EXPECT_THROW(Typed(*media), DB_Exception);
-    const std::vector<uint8_t> withCells =
-        ByteBuilder().U16(12).U32(1).Wide(u"").U32(0).U16(1).U16(9).Wide(u"M").U32(0).U32(1).U32(1).Bytes();
-    EXPECT_THROW(ReadBack<AS_MediaLinkLevelObj>(withCells), DB_Exception);
+    FillPlacement(media->Placement());
+    ASSERT_TRUE(media->SetCells({{2, 6, 0, walk}, {6, 8, 3, run}, {10, 12, 1, walk}}));
+
+    // The common half travels as the parameter group's; the first template enters the
+    // table after it, so the third run refers to index 2.
+    ByteBuilder expected;
+    expected.U16(12).U32(2020).Wide(u"").U32(0).U16(1).U16(21).Wide(u"M").U32(0).U32(2020);
+    expected.U32(3);
+    expected.U32(2).U32(6).U32(0).U16(1).U16(17).U64(0x1122334455667788ull).Wide(u"Walk");
+    expected.U32(6).U32(8).U32(3).U16(1).U16(17).U64(9).Wide(u"Run");
+    expected.U32(10).U32(12).U32(1).U16(0).U32(2);
+    PlacementBytes(expected);
+    const std::vector<uint8_t> bytes = Typed(*media);
+    ASSERT_EQ(bytes, expected.Bytes());
+
+    auto read = ReadBack<AS_MediaLinkLevelObj>(bytes);
+    ASSERT_EQ(read->Cells().size(), 3u);
+    EXPECT_EQ(read->Cells()[0].media, read->Cells()[2].media);
+    EXPECT_EQ(read->Cells()[1].media->GetName(), u"Run");
+    EXPECT_EQ(read->GetName(), u"M");
+    EXPECT_EQ(Typed(*read), bytes);
+
+    EXPECT_EQ(media->GetFirstFrame(), 2);
+    EXPECT_EQ(media->GetLastFrame(), 11);
+    EXPECT_EQ(media->GetDuration(), 10u);
+    EXPECT_EQ(media->CellIndexAt(1), -1);
+    EXPECT_EQ(media->CellIndexAt(6), 1);
+    EXPECT_EQ(media->CellIndexAt(8), -1);
+    EXPECT_EQ(media->CellName(2), u"Walk");
+    EXPECT_EQ(media->CellName(4), u"| 3");
+    EXPECT_EQ(media->CellName(7), u"| 5");
+    EXPECT_EQ(media->CellName(9), u"");
+
+    // Moving the start frame moves every run, but never before frame 0.
+    EXPECT_TRUE(media->SetStartFrame(3)); // from 5
+    EXPECT_EQ(media->Cells()[0].start, 0u);
+    EXPECT_EQ(media->Cells()[2].end, 10u);
+    EXPECT_FALSE(media->SetStartFrame(2));
+    EXPECT_EQ(media->Placement().startFrame, 3u);
+    EXPECT_EQ(media->Cells()[0].start, 0u);
+    auto clone = media->Clone(2021, true);
+    EXPECT_EQ(static_cast<AS_MediaLinkLevelObj*>(clone.get())->Cells(), media->Cells());
+    EXPECT_EQ(clone->GetDisplayName(), u"M(1)");
+}
+
+TEST_F(LevelsTest, MediaRunsThatOverlapOrLackATemplateAreRefused) {
+    auto walk = std::make_shared<AS_MediaObj>(UT_UniqueId(1), u"Walk");
+    auto media = AS_MediaLinkLevelObj::Create(2020, u"M");
+    EXPECT_FALSE(media->SetCells({{2, 6, 0, walk}, {5, 8, 0, walk}}));
+    EXPECT_FALSE(media->SetCells({{6, 8, 0, walk}, {2, 4, 0, walk}}));
+    EXPECT_FALSE(media->SetCells({{6, 5, 0, walk}}));
+    EXPECT_FALSE(media->SetCells({{2, 6, 0, nullptr}}));
+    EXPECT_TRUE(media->Cells().empty());
+
+    ByteBuilder overlap;
+    overlap.U16(12).U32(1).Wide(u"").U32(0).U16(1).U16(21).Wide(u"M").U32(0).U32(1).U32(2);
+    overlap.U32(0).U32(4).U32(0).U16(1).U16(17).U64(1).Wide(u"W");
+    overlap.U32(3).U32(5).U32(0).U16(0).U32(2);
+    PlacementBytes(overlap);
+    EXPECT_THROW(ReadBack<AS_MediaLinkLevelObj>(overlap.Bytes()), DB_Exception);
+}
+
+TEST_F(LevelsTest, MediaObjectBodyInEachVersion) {
+    AS_MediaObj entry(UT_UniqueId(77), u"Lib/Walk");
+    entry.SetId(0x7FFFFFFF);
+    DB_MemFile file;
+    {
+        DB_Archive archive(&file, false);
+        entry.Write(archive);
+    }
+    EXPECT_EQ(BytesOf(file), ByteBuilder().U64(77).Wide(u"Lib/Walk").Bytes());
+    DB_MemFile embedded;
+    {
+        DB_Archive archive(&embedded, true);
+        entry.Write(archive);
+    }
+    EXPECT_EQ(BytesOf(embedded), ByteBuilder().U64(77).Wide(u"Lib/Walk").U32(0x7FFFFFFF).Bytes());
+
+    auto read = [](const std::vector<uint8_t>& bytes, int32_t version) {
+        DB_MemFile in;
+        in.Write(bytes.data(), bytes.size());
+        in.Rewind();
+        DB_Archive archive(&in, false);
+        archive.SetVersion(version);
+        auto back = std::make_unique<AS_MediaObj>();
+        back->Read(archive);
+        EXPECT_EQ(in.BytesLeft(), 0u);
+        return back;
+    };
+    ByteBuilder form40;
+    Old(form40.Bool(true).U64(5), "W");
+    auto v40 = read(form40.Bytes(), 40);
+    EXPECT_TRUE(v40->IsGlobal());
+    EXPECT_EQ(v40->TemplateId(), UT_UniqueId(5));
+    EXPECT_EQ(v40->GetId(), AS_kInvalidId);
+    ByteBuilder old;
+    old.Bool(true);
+    Old(old, "Cats\\Walk").U16(600).U32(2).U8(1).U8(2);
+    auto v31 = read(old.Bytes(), 31);
+    EXPECT_EQ(v31->GetName(), u"Cats/Walk");
+    EXPECT_TRUE(v31->IsGlobal());
+}
+
+TEST_F(LevelsTest, MediaManagerMergesByTemplateAndPrunesUnusedEntries) {
+    AS_MediaManager manager;
+    auto level = AS_MediaLinkLevelObj::Create(1, u"A");
+    auto other = AS_MediaLinkLevelObj::Create(2, u"B");
+    // Two streams brought two objects for one template.
+    ASSERT_TRUE(level->SetCells({{0, 4, 0, std::make_shared<AS_MediaObj>(UT_UniqueId(8), u"Walk")}}));
+    ASSERT_TRUE(other->SetCells({{0, 2, 0, std::make_shared<AS_MediaObj>(UT_UniqueId(8), u"Walk")},
+                                 {2, 3, 0, std::make_shared<AS_MediaObj>(UT_UniqueId(9), u"Run")}}));
+    level->SetMediaManager(&manager);
+    other->SetMediaManager(&manager);
+    ASSERT_EQ(manager.Entries().size(), 2u);
+    EXPECT_EQ(level->Cells()[0].media, other->Cells()[0].media);
+    EXPECT_EQ(manager.FindByTemplateId(UT_UniqueId(8))->GetId(), 0x7FFFFFFFu);
+    EXPECT_EQ(manager.FindByTemplateId(UT_UniqueId(9))->GetId(), 0x7FFFFFFEu);
+    EXPECT_EQ(manager.FindById(0x7FFFFFFE)->GetName(), u"Run");
+
+    // An entry that no cell uses goes, unless it was opened for editing.
+    other.reset();
+    manager.Prune();
+    ASSERT_EQ(manager.Entries().size(), 1u);
+    level.reset();
+    manager.Entries().front()->SetOpenedForEditing(true);
+    manager.Prune();
+    ASSERT_EQ(manager.Entries().size(), 1u);
+    manager.Entries().front()->SetOpenedForEditing(false);
+    manager.Prune();
+    EXPECT_TRUE(manager.Entries().empty());
+}
+
+TEST_F(LevelsTest, ClipboardFormsStartWithTheElementHeader) {
+    auto drawing = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
+    drawing->SetNote(u"left");
+    FillPlacement(drawing->Placement());
+    std::unique_ptr<DD_DragDataStore> store = drawing->WriteToDragData();
+    ByteBuilder expected;
+    expected.U32(2004).Wide(u"Arm").U32(2004).Wide(u"left");
+    PlacementBytes(expected);
+    EXPECT_EQ(BytesOf(store->File()), expected.Bytes());
+
+    // The store travels as its length and bytes, and its reader takes the header itself.
+    DB_MemFile outer;
+    {
+        DB_Archive archive(&outer, true);
+        ASSERT_TRUE(archive.WriteTyped(*store));
+    }
+    EXPECT_EQ(BytesOf(outer), ByteBuilder()
+                                  .U16(50)
+                                  .U32(static_cast<uint32_t>(expected.Bytes().size()))
+                                  .Raw(expected.Bytes())
+                                  .Bytes());
+    outer.Rewind();
+    DB_Archive reader(&outer, true);
+    reader.SetVersion(51);
+    auto carried = reader.ReadNewAs<DD_DragDataStore>();
+    const AS_ElementHeader header = AS_DopeSheetLevelObj::ReadDragHeader(carried->Archive());
+    EXPECT_EQ(header.id, 2004u);
+    EXPECT_EQ(header.name, u"Arm");
+    EXPECT_EQ(header.commonId, 2004u);
+    auto pasted = AS_VectorGraphicLevelObj::Create(3000, u"Arm");
+    pasted->ReadFromDragData(*carried);
+    EXPECT_EQ(pasted->GetNote(), u"left");
+    EXPECT_EQ(PlacementOf(pasted->Placement()), PlacementOf(drawing->Placement()));
+
+    // The effect carries its common half and its frames, the parameter group its common
+    // fields.
+    auto payload = std::make_unique<DB_MemFile>();
+    auto effect = AS_EffectLevel::Create(2010, u"Fx", std::move(payload));
+    effect->SetFirstFrame(4);
+    effect->SetLength(6);
+    EXPECT_EQ(BytesOf(effect->WriteToDragData()->File()), ByteBuilder()
+                                                              .U32(2010)
+                                                              .Wide(u"Fx")
+                                                              .U32(2010)
+                                                              .Wide(u"")
+                                                              .Wide(u"Fx")
+                                                              .U32(0)
+                                                              .U32(2010)
+                                                              .U32(20)
+                                                              .U16(600)
+                                                              .U32(0)
+                                                              .U32(4)
+                                                              .U32(6)
+                                                              .Bytes());
+    auto group = AS_ParamGroupLevel::Create(2011, u"G");
+    EXPECT_EQ(BytesOf(group->WriteToDragData()->File()),
+              ByteBuilder().U32(2011).Wide(u"G").U32(2011).Wide(u"").Wide(u"G").U32(0).U32(2011).Bytes());
+
+    // A peg carries its common body and its own fields; read into a new peg they give the
+    // same form again.
+    auto peg = AS_PegLevelObj::Create(2003, u"Peg", 12);
+    peg->SetStartFrame(6);
+    peg->offsetX = 2.5;
+    std::unique_ptr<DD_DragDataStore> pegStore = peg->WriteToDragData();
+    pegStore->Rewind();
+    AS_DopeSheetLevelObj::ReadDragHeader(pegStore->Archive());
+    auto pastedPeg = AS_PegLevelObj::Create(4000, u"Other", 30);
+    pastedPeg->ReadFromDragData(*pegStore);
+    EXPECT_EQ(pastedPeg->GetStartFrame(), 6);
+    EXPECT_EQ(pastedPeg->offsetX, 2.5);
+    EXPECT_EQ(pastedPeg->CommonPeg()->Duration(), 12u);
+    // Only the level's own id differs.
+    std::vector<uint8_t> again = BytesOf(pastedPeg->WriteToDragData()->File());
+    std::vector<uint8_t> original = BytesOf(pegStore->File());
+    EXPECT_EQ(std::vector<uint8_t>(again.begin(), again.begin() + 4), ByteBuilder().U32(4000).Bytes());
+    EXPECT_EQ(std::vector<uint8_t>(again.begin() + 4, again.end()),
+              std::vector<uint8_t>(original.begin() + 4, original.end()));
+}
+
+TEST_F(LevelsTest, HeaderOfAnEarlierClipboardHasANameForTheCommonId) {
+    DB_MemFile file;
+    ByteBuilder bytes;
+    Old(Old(bytes.U32(2005), "Arm"), "dropped");
+    const std::vector<uint8_t> raw = bytes.Bytes();
+    file.Write(raw.data(), raw.size());
+    file.Rewind();
+    DB_Archive archive(&file, true);
+    archive.SetVersion(40);
+    const AS_ElementHeader header = AS_DopeSheetLevelObj::ReadDragHeader(archive);
+    EXPECT_EQ(header.name, u"Arm");
+    EXPECT_EQ(header.commonId, 2005u);
+    EXPECT_EQ(file.BytesLeft(), 0u);
 }
 
 // Drawing files in a scene folder.
@@ -422,30 +688,6 @@ protected:
         fs::create_directories(root / "Scene-001" / "Drawing");
     }
     void TearDown() override { fs::remove_all(root); }
-    // A drawing of one line whose end lies at x = marker.
-    static std::unique_ptr<GR_VectorDrawingObj> Drawing(uint8_t marker) {
-        auto drawing = std::make_unique<GR_VectorDrawingObj>();
-        GR_DrawingAccess access;
-        access.SetDrawing(drawing.get());
-        access.AddStrokes({GR_StrokeDesc(GR_BezierPath2d::Polyline({{0, 0}, {double(marker), 1}}),
-                                         GR_LineStyle(GR_LineStyle::kPenLine, 1, UT_UniqueId()))},
-                          0);
-        return drawing;
-    }
-    // The file of such a drawing.
-    static std::vector<uint8_t> DrawingFile(uint8_t marker) {
-        DB_MemFile file;
-        DB_Archive archive(&file, false);
-        DB_FileContainer::WriteHeader(archive, DB_FileContainer::kVectorDrawing);
-        archive.WriteTyped(*Drawing(marker));
-        return BytesOf(file);
-    }
-    static float MarkerOf(GR_DrawingObj* drawing) {
-        auto* vector = dynamic_cast<GR_VectorDrawingObj*>(drawing);
-        if (!vector || !vector->FirstLayer() || !vector->FirstLayer()->FirstStroke())
-            return -1;
-        return vector->FirstLayer()->FirstStroke()->Path().points.back().x;
-    }
     void Put(const std::string& name, const std::vector<uint8_t>& bytes) {
         std::ofstream(root / "Scene-001" / "Drawing" / name, std::ios::binary)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
@@ -474,8 +716,8 @@ TEST_F(DrawingFilesTest, LazyLoadRenameAndSaveKeepOldFiles) {
     const uint32_t one = common->AddDrawing(u"1");
     const uint32_t two = common->AddDrawing(u"2");
     EXPECT_EQ(common->GetDrawingPath(u"Arm-12").Path(), root / "Scene-001" / "Drawing" / "Arm-12.qmd");
-    Put("Arm-1.qmd", DrawingFile('a'));
-    Put("Arm-2.qmd", DrawingFile('b'));
+    Put("Arm-1.qmd", MarkedDrawingFile('a'));
+    Put("Arm-2.qmd", MarkedDrawingFile('b'));
 
     // A reopened project: the entries know only that they have a file.
     ByteBuilder project;
@@ -503,21 +745,21 @@ TEST_F(DrawingFilesTest, LazyLoadRenameAndSaveKeepOldFiles) {
     fs::remove(root / "Scene-001" / "Drawing" / "Arm-1.qmd");
     SaveProject(*opened);
     EXPECT_FALSE(fs::exists(root / "Scene-001" / "Drawing" / "Arm-1.qmd"));
-    Put("Arm-1.qmd", DrawingFile('a'));
+    Put("Arm-1.qmd", MarkedDrawingFile('a'));
 
     // Renaming the element loads every drawing under the old name; the save writes them
     // under the new one and leaves the old files.
     opened->SetName(u"Hand");
     SaveProject(*opened);
-    EXPECT_EQ(Get("Hand-1.qmd"), DrawingFile('a'));
-    EXPECT_EQ(Get("Hand-2.qmd"), DrawingFile('b'));
-    EXPECT_EQ(Get("Arm-1.qmd"), DrawingFile('a'));
-    EXPECT_EQ(Get("Arm-2.qmd"), DrawingFile('b'));
+    EXPECT_EQ(Get("Hand-1.qmd"), MarkedDrawingFile('a'));
+    EXPECT_EQ(Get("Hand-2.qmd"), MarkedDrawingFile('b'));
+    EXPECT_EQ(Get("Arm-1.qmd"), MarkedDrawingFile('a'));
+    EXPECT_EQ(Get("Arm-2.qmd"), MarkedDrawingFile('b'));
 
     // Renaming one drawing works the same way.
     openedCommon->FindDrawing(two)->Rename(u"20");
     SaveProject(*opened);
-    EXPECT_EQ(Get("Hand-20.qmd"), DrawingFile('b'));
+    EXPECT_EQ(Get("Hand-20.qmd"), MarkedDrawingFile('b'));
     EXPECT_TRUE(fs::exists(root / "Scene-001" / "Drawing" / "Hand-2.qmd"));
 }
 
@@ -547,10 +789,10 @@ TEST_F(DrawingFilesTest, ModifiedDrawingsAreSavedThroughTheTransaction) {
     auto level = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
     level->SetFolder(UT_FilePath(root / "Scene-001"));
     AS_CommonDrawingLevel* common = level->CommonDrawing();
-    common->AddDrawingWithId(1001, u"1")->SetDrawing(Drawing('x'));
+    common->AddDrawingWithId(1001, u"1")->SetDrawing(MarkedDrawing('x'));
     common->AddDrawingWithId(1002, u"2");
     SaveProject(*level);
-    EXPECT_EQ(Get("Arm-1.qmd"), DrawingFile('x'));
+    EXPECT_EQ(Get("Arm-1.qmd"), MarkedDrawingFile('x'));
     EXPECT_FALSE(fs::exists(root / "Scene-001" / "Drawing" / "Arm-2.qmd"));
     AS_DopeSheetDrawingObj* entry = common->FindDrawing(1001);
     EXPECT_TRUE(entry->HasFile());
@@ -566,11 +808,11 @@ TEST_F(DrawingFilesTest, ModifiedDrawingsAreSavedThroughTheTransaction) {
     EXPECT_EQ(Get("Arm-1.qmd"), ByteBuilder().Header(1).U16(202).U8(0).Bool(false).U32(0).Bytes());
 
     // A project of an older version converts every drawing on saving, loaded or not.
-    Put("Arm-1.qmd", DrawingFile('y'));
+    Put("Arm-1.qmd", MarkedDrawingFile('y'));
     common->ReleaseUnmodified();
     EXPECT_FALSE(entry->HasDrawing());
     fs::remove(root / "Scene-001" / "Drawing" / "Arm-1.qmd");
-    Put("Arm-1.qmd", DrawingFile('z'));
+    Put("Arm-1.qmd", MarkedDrawingFile('z'));
     DB_MemFile file;
     {
         UT_FileTransaction::Handle transaction = UT_FileTransaction::Get();
@@ -580,14 +822,14 @@ TEST_F(DrawingFilesTest, ModifiedDrawingsAreSavedThroughTheTransaction) {
         EXPECT_TRUE(transaction->Commit());
     }
     EXPECT_FALSE(entry->HasDrawing());
-    EXPECT_EQ(Get("Arm-1.qmd"), DrawingFile('z'));
+    EXPECT_EQ(Get("Arm-1.qmd"), MarkedDrawingFile('z'));
 }
 
 TEST_F(DrawingFilesTest, EmbeddedFormCarriesTheDrawing) {
     auto level = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
     level->SetFolder(UT_FilePath(root / "Scene-001"));
     AS_DopeSheetDrawingObj* entry = level->CommonDrawing()->AddDrawingWithId(1001, u"1");
-    entry->SetDrawing(Drawing('q'));
+    entry->SetDrawing(MarkedDrawing('q'));
     AS_DopeSheetDrawingObj empty(u"2", 1002);
 
     DB_MemFile file;
@@ -596,7 +838,7 @@ TEST_F(DrawingFilesTest, EmbeddedFormCarriesTheDrawing) {
         entry->Write(archive);
         empty.Write(archive);
     }
-    const std::vector<uint8_t> drawingFile = DrawingFile('q');
+    const std::vector<uint8_t> drawingFile = MarkedDrawingFile('q');
     // The drawing's typed object is what its file holds after the 33 bytes of the header.
     const std::vector<uint8_t> typed(drawingFile.begin() + 33, drawingFile.end());
     const std::vector<uint8_t> expected = ByteBuilder()

@@ -200,7 +200,7 @@ TEST(PaletteList, UndoableRecoveryHandsOverItsUndo) {
     const UT_UniqueId paletteId = list.GetRecoveredPalette()->GetId();
 
     // Undo: the entries go, and with them the palette, which is reported removed.
-    std::unique_ptr<CM_RecoverColors> redo = undo->Execute();
+    std::unique_ptr<UT_Command> redo = undo->Execute();
     ASSERT_NE(redo, nullptr);
     EXPECT_EQ(list.GetPaletteCount(), 0u);
     EXPECT_EQ(list.Lookup(UT_UniqueId(900)), nullptr);
@@ -208,7 +208,7 @@ TEST(PaletteList, UndoableRecoveryHandsOverItsUndo) {
     EXPECT_EQ(recorder.records.back().kind, uint32_t(CM_PaletteListData::kPaletteRemoved));
 
     // Redo: the palette comes back under its id with both entries.
-    std::unique_ptr<CM_RecoverColors> undoAgain = redo->Execute();
+    std::unique_ptr<UT_Command> undoAgain = redo->Execute();
     ASSERT_NE(undoAgain, nullptr);
     ASSERT_EQ(list.GetPaletteCount(), 1u);
     EXPECT_EQ(list.GetPalette(0)->GetId(), paletteId);

@@ -5,6 +5,7 @@
 #include "core/DB_BufferFile.h"
 #include "core/DB_Exception.h"
 #include "core/DB_MemFile.h"
+#include "core/DB_SharedFile.h"
 
 #include <gtest/gtest.h>
 #include <vector>
@@ -285,6 +286,42 @@ TEST_F(ArchiveTest, StreamErrorsCarryTheirMessages) {
     } catch (const DB_Exception& e) {
         EXPECT_EQ(e.Message(), u"End of file on mem file");
     }
+}
+
+TEST_F(ArchiveTest, NarrowStringIntoACallersBuffer) {
+    const uint8_t data[] = {'5', '1', 0, 'x', 'y', 'z'};
+    DB_BufferFile buffer(data, sizeof data);
+    DB_Archive in(&buffer, false);
+    char text[3] = {};
+    EXPECT_TRUE(in.ReadNarrowString(text, 3));
+    EXPECT_STREQ(text, "51");
+    EXPECT_FALSE(in.ReadNarrowString(text, 2)); // the capacity runs out before a NUL
+    EXPECT_EQ(buffer.BytesLeft(), 1u);
+    EXPECT_FALSE(in.ReadNarrowString(text, 0));
+    EXPECT_EQ(buffer.BytesLeft(), 1u);
+    // A buffer file is read only: writing leaves it as it was.
+    buffer.Write("abc", 3);
+    EXPECT_EQ(buffer.BytesLeft(), 1u);
+}
+
+TEST_F(ArchiveTest, SharedFileCarriesAClipboardBlock) {
+    DB_SharedFile source;
+    EXPECT_EQ(source.GetName(), u"SharedStream");
+    {
+        DB_Archive a(&source, true);
+        Node node;
+        node.value = 0xA1B2C3D4;
+        a.WriteTyped(node);
+    }
+    const std::optional<std::vector<uint8_t>> block = source.Export();
+    ASSERT_TRUE(block.has_value());
+    EXPECT_EQ(*block, (std::vector<uint8_t>{0x29, 0x23, 0xD4, 0xC3, 0xB2, 0xA1, 0, 0, 0, 0, 0, 0}));
+
+    DB_SharedFile target;
+    target.Import(*block);
+    DB_Archive in(&target, true);
+    EXPECT_EQ(in.ReadNewAs<Node>()->value, 0xA1B2C3D4u);
+    EXPECT_EQ(target.Export(), block); // export rewinds: the same bytes again
 }
 
 TEST_F(ArchiveTest, DeeplyNestedDataIsRefused) {

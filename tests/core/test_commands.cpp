@@ -200,6 +200,49 @@ TEST(CommandHistory, FailedExecuteDiscardsEverything) {
     EXPECT_TRUE(history.HasChanges(true));
 }
 
+TEST(CommandHistory, OptionalInverseIsLeftOutOfAGroup) {
+    Model model;
+    UT_CommandHistory history;
+    PushMany(history, model, 2);
+    history.BeginGroup();
+    NoInverseCommand optional(true);
+    EditCommand add(model, true, 0, 4);
+    EXPECT_TRUE(history.Execute(optional, u"Copy"));
+    EXPECT_TRUE(history.Execute(add, u"Add"));
+    history.EndGroup(u"Copy and add");
+    ASSERT_EQ(history.UndoList().size(), 3u);
+    EXPECT_EQ(static_cast<UT_ComplexCommand&>(*history.UndoList().back().command).Count(), 1u);
+    // Without anything else in the group, nothing is recorded.
+    history.BeginGroup();
+    EXPECT_TRUE(history.Execute(optional, u"Copy"));
+    history.EndGroup(u"Copy");
+    EXPECT_EQ(history.UndoList().size(), 3u);
+}
+
+// Size is asked once per push; the whole list is measured only when entries are dropped.
+TEST(CommandHistory, NormalPushesMeasureOnlyTheNewEntry) {
+    struct Measured : UT_Command {
+        explicit Measured(int& calls) : calls_(calls) {}
+        std::unique_ptr<UT_Command> Execute() override { return nullptr; }
+        uint32_t Size() const override {
+            ++calls_;
+            return 1000;
+        }
+        int& calls_;
+    };
+    int calls = 0;
+    UT_CommandHistory history;
+    history.SetLimits(10, 100000);
+    for (int i = 0; i < 11; ++i)
+        history.Add(std::make_unique<Measured>(calls), u"x");
+    EXPECT_EQ(calls, 11);
+    // The 12th push drops two entries and measures the nine that stay.
+    history.Add(std::make_unique<Measured>(calls), u"x");
+    EXPECT_EQ(calls, 12 + 9);
+    EXPECT_EQ(history.UndoList().size(), 10u);
+    EXPECT_EQ(history.TotalSize(), 10000u);
+}
+
 TEST(CommandHistory, UndoWithoutInverseClearsTheOtherList) {
     Model model;
     UT_CommandHistory history;

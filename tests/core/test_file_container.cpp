@@ -2,12 +2,14 @@
 
 #include "core/CPersistentType.h"
 #include "core/DB_Exception.h"
+#include "core/DB_File.h"
 #include "core/DB_FileContainer.h"
 #include "core/DB_MemFile.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace fs = std::filesystem;
 
@@ -20,11 +22,14 @@ public:
     void Write(DB_Archive& a) override { a.WriteU32(value); }
 };
 
+class OtherBody : public Body {};
+
 class ContainerTest : public ::testing::Test {
 protected:
     void SetUp() override {
         CoreRegisterTypes();
         CPersistentTypeRegistry::Instance().Register<Body>(9100, "TestBody");
+        CPersistentTypeRegistry::Instance().Register<OtherBody>(9102, "OtherTestBody");
         dir_ = fs::temp_directory_path() / ("qms-container-" + std::to_string(::getpid()));
         fs::create_directories(dir_);
     }
@@ -148,9 +153,77 @@ TEST_F(ContainerTest, LoadFailuresGiveTheSystemsMessages) {
     EXPECT_EQ(LoadError(folder), invalid(folder));
 }
 
+TEST_F(ContainerTest, CatalogHeaderTypeMismatchAndFullDisk) {
+    Body body;
+    body.value = 5;
+    const fs::path catalog = dir_ / "lib.qmc";
+    DB_FileContainer::SaveNew(UT_FilePath(catalog), body, DB_FileContainer::kCatalog);
+    std::vector<uint8_t> expected = Header("51", 3, true);
+    expected.insert(expected.end(), {0x8C, 0x23, 5, 0, 0, 0});
+    EXPECT_EQ(Read(catalog), expected);
+
+    // The file holds a Body; reading it as another class names the file.
+    OtherBody other;
+    try {
+        DB_FileContainer::LoadTyped(UT_FilePath(catalog), other, DB_FileContainer::kCatalog);
+        ADD_FAILURE() << "read as another class";
+    } catch (const DB_Exception& e) {
+        EXPECT_EQ(e.Message(), u"Unexpected data found while reading " + UT_FromUtf8(catalog.string()));
+    }
+
+    // A disk that takes no byte: the buffered data fails when it is flushed.
+    if (!fs::exists("/dev/full"))
+        GTEST_SKIP() << "no /dev/full";
+    try {
+        DB_FileContainer::SaveBare(UT_FilePath("/dev/full"), body, DB_FileContainer::kProject);
+        ADD_FAILURE() << "wrote to a full disk";
+    } catch (const DB_Exception& e) {
+        EXPECT_EQ(e.Message(), u"Unable to write to file");
+    }
+}
+
 TEST_F(ContainerTest, WritingIntoAMissingFolderFails) {
     Body body;
     EXPECT_THROW(DB_FileContainer::SaveBare(UT_FilePath(dir_ / "no" / "such.qmp"), body, 0), DB_Exception);
+}
+
+// Reads of every size, across the boundaries of the file's read buffer, give the bytes
+// that were written; a read past the end fails only once the bytes run out.
+TEST_F(ContainerTest, FileReadsAcrossItsBufferGiveEveryByte) {
+    std::mt19937 rng(5);
+    std::vector<uint8_t> bytes(300000);
+    for (uint8_t& b : bytes)
+        b = static_cast<uint8_t>(rng());
+    const fs::path path = File(bytes);
+
+    DB_File file;
+    ASSERT_TRUE(file.Open(UT_FilePath(path), DB_File::Mode::Read));
+    std::vector<uint8_t> back(bytes.size());
+    size_t at = 0;
+    while (at < bytes.size()) {
+        // Mostly small reads, now and then one longer than the buffer.
+        size_t count = rng() % 10 == 0 ? 70000 + rng() % 70000 : 1 + rng() % 9;
+        count = std::min(count, bytes.size() - at);
+        file.Read(back.data() + at, count);
+        at += count;
+        EXPECT_EQ(file.BytesLeft(), bytes.size() - at);
+    }
+    EXPECT_EQ(back, bytes);
+    uint8_t one = 0;
+    EXPECT_THROW(file.Read(&one, 1), DB_Exception);
+
+    // Rewound, the same bytes again; a read that runs over the end names the cause.
+    file.Rewind();
+    std::vector<uint8_t> head(65537);
+    file.Read(head.data(), head.size());
+    EXPECT_TRUE(std::equal(head.begin(), head.end(), bytes.begin()));
+    std::vector<uint8_t> rest(bytes.size() - head.size() + 1);
+    try {
+        file.Read(rest.data(), rest.size());
+        ADD_FAILURE() << "read past the end";
+    } catch (const DB_Exception& e) {
+        EXPECT_EQ(e.Message(), u"Reading past end of file");
+    }
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "core/UT_FileOperations.h"
 #include "core/UT_FileTransaction.h"
 #include "core/UT_MessageHandler.h"
+#include "core/UT_TempFolder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -226,6 +227,31 @@ TEST(ErrorCollector, ReportsHeadingAndAtMostElevenMessages) {
         errors->Add(u"no heading: nothing is shown");
     }
     EXPECT_EQ(handler.messages.size(), 1u);
+}
+
+// The scratch folder lies under $TMPDIR, is emptied at its first use in the process, and
+// hands out names that are free.
+TEST(TempFolder, FirstUseEmptiesItAndFileNamesAreFree) {
+    TempDir root;
+    const fs::path folder = root.Path() / "QuilmoorStudioTempDir";
+    fs::create_directories(folder);
+    std::ofstream(folder / "stale.tmp") << "left from an earlier run";
+    std::ofstream(folder / "tmpfs_1.tmp") << "taken";
+    const char* previous = std::getenv("TMPDIR");
+    const std::string saved = previous ? previous : "";
+    ::setenv("TMPDIR", root.Path().c_str(), 1);
+    const UT_FilePath made = UT_TempFolder::Folder();
+    previous ? ::setenv("TMPDIR", saved.c_str(), 1) : ::unsetenv("TMPDIR");
+    if (made.Path() != folder)
+        GTEST_SKIP() << "the scratch folder was made earlier in this process";
+
+    EXPECT_TRUE(fs::is_directory(folder));
+    EXPECT_FALSE(fs::exists(folder / "stale.tmp"));
+    const UT_FilePath first = UT_TempFolder::NewFile();
+    EXPECT_EQ(first.Path(), folder / "tmpfs_0.tmp");
+    std::ofstream(first.Path()) << "in use";
+    std::ofstream(folder / "tmpfs_1.tmp") << "taken";
+    EXPECT_EQ(UT_TempFolder::NewFile().Path(), folder / "tmpfs_2.tmp");
 }
 
 } // namespace

@@ -241,6 +241,24 @@ TEST(Preferences, PageRulesRefuseBadValues) {
     EXPECT_EQ(prefs.FrameRate(), 12u);
 }
 
+TEST(Preferences, EachPageShowsItsSections) {
+    EXPECT_EQ(P::KeysOfPage(P::Page::kAnimation),
+              (std::vector<P::Key>{P::kFrameRate, P::kCameraWidth, P::kCameraHeight}));
+    EXPECT_EQ(P::KeysOfPage(P::Page::kScene).front(), P::kAngleUnit);
+    EXPECT_EQ(P::KeysOfPage(P::Page::kScene).back(), P::kBias);
+    // Every key but the memory of the software renderer is on exactly one page.
+    std::vector<int> pagesOf(P::kKeyCount, 0);
+    for (P::Page page : {P::Page::kTemplate, P::Page::kScene, P::Page::kRenderer, P::Page::kOnionSkin,
+                         P::Page::kDefaultColors, P::Page::kAnimation})
+        for (P::Key key : P::KeysOfPage(page))
+            ++pagesOf[key];
+    for (int key = 0; key < P::kKeyCount; ++key)
+        EXPECT_EQ(pagesOf[key], key == P::kTextureMemory ? 0 : 1) << P::Info(static_cast<P::Key>(key)).name;
+    EXPECT_EQ(P::ChangeNotice(P::Page::kAnimation),
+              u"This change will be applied to all new animation sets.");
+    EXPECT_EQ(P::ChangeNotice(P::Page::kRenderer), u"");
+}
+
 TEST(Preferences, KeysAreFoundByNameOrSectionInAnyCase) {
     EXPECT_EQ(P::FindKey("frameRate"), P::kFrameRate);
     EXPECT_EQ(P::FindKey("FRAMERATE"), P::kFrameRate);
@@ -422,9 +440,17 @@ TEST_F(UserColorTest, WriteIsExactPrunesAndRoundTrips) {
     colors.SetColor(PR_UserColorSettings::kElementColors, {9, 9}, {1, 1, 1, 1});
     colors.SetColor(PR_UserColorSettings::kBackgroundColors, {1, 2}, {4, 5, 6, 100});
     colors.SetFlag(PR_UserColorSettings::kShowNotes, false);
+    // A snapshot in memory neither prunes nor counts as saved.
+    {
+        DB_MemFile snapshot;
+        DB_Archive out(&snapshot, true);
+        ASSERT_TRUE(out.WriteTyped(colors));
+    }
+    EXPECT_TRUE(colors.IsModified());
+    EXPECT_EQ(colors.Count(PR_UserColorSettings::kElementColors), 2u);
     DB_MemFile file;
     {
-        DB_Archive out(&file, true);
+        DB_Archive out(&file, false);
         ASSERT_TRUE(out.WriteTyped(colors));
     }
     EXPECT_FALSE(colors.IsModified());
@@ -443,7 +469,7 @@ TEST_F(UserColorTest, WriteIsExactPrunesAndRoundTrips) {
     EXPECT_EQ(CPersistentTypeRegistry::Instance().ShortName(400), "TL_UISettings");
 
     file.Rewind();
-    DB_Archive in(&file, true);
+    DB_Archive in(&file, false);
     std::unique_ptr<PR_UserColorSettings> copy = in.ReadNewAs<PR_UserColorSettings>();
     EXPECT_EQ(copy->Entries(PR_UserColorSettings::kElementColors),
               colors.Entries(PR_UserColorSettings::kElementColors));
