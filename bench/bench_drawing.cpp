@@ -62,8 +62,8 @@ void BM_AddOneStrokeToA5000StrokeLayer(benchmark::State& state) {
     GR_VectorDrawingObj drawing;
     GR_DrawingAccess access;
     access.SetDrawing(&drawing);
-    // 2,300 wandering strokes cut one another into a layer of about 5,100.
-    GR_Layer* layer = access.AddStrokes(Strokes(rng, 2300, 2500.0), GR_Layer::kBrush);
+    // 2,400 wandering strokes cut one another into a layer of a little over 5,000.
+    GR_Layer* layer = access.AddStrokes(Strokes(rng, 2400, 2500.0), GR_Layer::kBrush);
     // Paint a share of the zones, as a coloured drawing has.
     access.BeginEdit();
     size_t painted = 0;
