@@ -3,6 +3,8 @@
 // listeners hear, and the queries through the index.
 
 #include "DrawingTestUtil.h"
+#include "colour/CM_Color.h"
+#include "colour/CM_Texture.h"
 #include "vector/GR_ChangeListener.h"
 #include "vector/GR_LayerListener.h"
 
@@ -148,6 +150,98 @@ TEST_F(AccessTest, PaintFillsAZoneAndBothPartsKeepItWhenCut) {
     EXPECT_EQ(below->Color()->GetMatrix().f, 50.0);
     // The ends of the line outside the square stay unpainted.
     EXPECT_EQ(layer->ZoneAt({-5, 30}), nullptr);
+}
+
+// A square whose strokes say one thing on the inside and another on the outside: the walk
+// into the zone crosses a side that takes `outside` away and gives `inside`. Mode 1 takes
+// the topmost entry of the tally whatever its count, mode 3 the highest count if positive.
+TEST_F(AccessTest, RecolourModesChooseFromTheTallyByTheirRules) {
+    struct Case {
+        uint32_t mode;
+        bool paintedInside;
+        uint64_t expected; // 0: no paint
+    };
+    for (const Case& c :
+         {Case{GR_DrawingAccess::kKeepZones, true, 22}, Case{GR_DrawingAccess::kKeepZonesByCount, true, 21},
+          Case{GR_DrawingAccess::kKeepZones, false, 22},
+          Case{GR_DrawingAccess::kKeepZonesByCount, false, 0}}) {
+        SCOPED_TRACE(testing::Message() << "mode " << c.mode << (c.paintedInside ? " painted" : " bare"));
+        GR_VectorDrawingObj square;
+        GR_DrawingAccess edit;
+        edit.SetDrawing(&square);
+        GR_Layer* layer = edit.AddStrokes(Square(0, 0, 100), GR_Layer::kBrush);
+        ASSERT_NE(layer, nullptr);
+        if (c.paintedInside) {
+            edit.BeginEdit();
+            edit.SetZoneColor(layer->ZoneAt({50, 50}), Paint(21));
+            edit.Commit();
+        }
+        // Made after the paint, the outside colour sorts after it in the tally.
+        const GR_ColorRef outside = Paint(22);
+        edit.BeginEdit(c.mode);
+        for (GR_VectorStroke* s : Strokes(*layer))
+            edit.SetStrokeColor(s, 1, outside);
+        edit.Commit();
+        GR_Zone* zone = layer->ZoneAt({50, 50});
+        ASSERT_NE(zone, nullptr);
+        if (c.expected) {
+            ASSERT_TRUE(zone->Color());
+            EXPECT_EQ(zone->Color()->GetId(), UT_UniqueId(c.expected));
+        } else {
+            EXPECT_EQ(zone->Color(), nullptr);
+        }
+        // Whatever the mode, nothing stays painted outside.
+        EXPECT_EQ(layer->Components()[0]->outer->Color(), nullptr);
+        for (GR_VectorStroke* s : Strokes(*layer))
+            EXPECT_EQ(s->colour[1], nullptr);
+    }
+}
+
+// Paint is placed on the box of its zone by the kind of its palette entry; a texture keeps
+// the placement it has.
+TEST_F(AccessTest, ZoneColoursAreFittedToTheirZoneByKind) {
+    CM_PaletteList palettes;
+    CM_Palette* palette = palettes.AddPalette(u"P", u"S");
+    for (auto [id, kind] : {std::pair{31u, CM_Color::kLinear}, std::pair{32u, CM_Color::kRadial}}) {
+        auto colour = std::make_unique<CM_Color>(u"G", UT_UniqueId(id));
+        colour->SetGradientKind(kind);
+        colour->AddStop({0.0, {0, 0, 0, 255}, 0});
+        colour->AddStop({1.0, {255, 255, 255, 255}, 0});
+        palette->AddEntry(std::move(colour));
+    }
+    palette->AddEntry(std::make_unique<CM_Texture>(u"T", UT_UniqueId(33)));
+    GR_VectorDrawingObj rectangles;
+    GR_DrawingAccess edit(&palettes);
+    edit.SetDrawing(&rectangles);
+    // A rectangle from (10, 20) to (50, 80).
+    GR_Layer* layer =
+        edit.AddStrokes({Poly({{10, 20}, {50, 20}, {50, 80}, {10, 80}, {10, 20}})}, GR_Layer::kBrush);
+    ASSERT_NE(layer, nullptr);
+    const auto paint = [&](const GR_ColorRef& colour) {
+        edit.BeginEdit();
+        edit.SetZoneColor(layer->ZoneAt({30, 50}), colour);
+        edit.Commit();
+        GR_Zone* zone = layer->ZoneAt({30, 50});
+        return zone ? zone->Color() : nullptr;
+    };
+
+    // Linear: scaled by the width on both axes, moved to the left side's middle.
+    GR_ColorRef linear = paint(Paint(31));
+    ASSERT_TRUE(linear && linear->IsPlaced());
+    const GR_Affine2d& l = linear->GetMatrix();
+    EXPECT_EQ(std::vector<double>({l.a, l.b, l.c, l.d, l.e, l.f}),
+              std::vector<double>({40, 0, 0, 40, 10, 50}));
+    // Radial: half the extents, moved to the centre.
+    GR_ColorRef radial = paint(Paint(32));
+    ASSERT_TRUE(radial && radial->IsPlaced());
+    const GR_Affine2d& r = radial->GetMatrix();
+    EXPECT_EQ(std::vector<double>({r.a, r.b, r.c, r.d, r.e, r.f}),
+              std::vector<double>({20, 0, 0, 30, 30, 50}));
+    // A placed colour that every half-edge holds stays the very same reference.
+    EXPECT_EQ(paint(radial), radial);
+    // A texture is set as it stands.
+    const GR_ColorRef texture = std::make_shared<GR_Color>(UT_UniqueId(33), GR_Affine2d{2, 0, 0, 2, 1, 1});
+    EXPECT_EQ(paint(texture), texture);
 }
 
 TEST_F(AccessTest, ContourBetweenEqualColoursVanishesAndZonesMerge) {
