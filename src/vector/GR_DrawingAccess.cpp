@@ -290,7 +290,7 @@ bool GR_DrawingAccess::MoveLayer(const GR_LayerPath& from, const GR_LayerPath& t
     }
     drawing_->InsertNode(to, std::move(taken));
     TreeChanged();
-    Announce(node, {GR_ChangeKind::kMoved, from, drawing_->PathOf(node)});
+    Announce(node, {GR_ChangeKind::kMoved, drawing_->PathOf(node), from});
     PruneGroup(oldParent);
     return true;
 }

@@ -42,16 +42,19 @@ bool GR_CarryPath(const GR_LayerChange& change, GR_LayerPath& path) {
         return true;
     case GR_ChangeKind::kRemoved:
         return Removed(change.path, path);
-    case GR_ChangeKind::kMoved:
-        if (IsPrefix(change.path, path)) {
-            GR_LayerPath moved = change.second;
-            moved.insert(moved.end(), path.begin() + static_cast<long>(change.path.size()), path.end());
+    case GR_ChangeKind::kMoved: {
+        const GR_LayerPath& to = change.path;
+        const GR_LayerPath& from = change.second;
+        if (IsPrefix(from, path)) {
+            GR_LayerPath moved = to;
+            moved.insert(moved.end(), path.begin() + static_cast<long>(from.size()), path.end());
             path = std::move(moved);
             return true;
         }
-        Removed(change.path, path);
-        Inserted(change.second, path);
+        Removed(from, path);
+        Inserted(to, path);
         return true;
+    }
     case GR_ChangeKind::kChanged:
         return true;
     }

@@ -9,7 +9,7 @@ using GR_LayerPath = std::vector<uint32_t>;
 
 enum class GR_ChangeKind : uint32_t { kAdded = 0, kRemoved = 1, kChanged = 2, kMoved = 3 };
 
-// What listeners of a transaction receive. A move names the old place first and the new
+// What listeners of a transaction receive. A move names the new place first and the old
 // place second; every other change names its node's place first.
 struct GR_LayerChange {
     GR_ChangeKind kind = GR_ChangeKind::kChanged;

@@ -501,8 +501,9 @@ TEST_F(AccessTest, TreeEditsAreAnnouncedAndListenersFollowPaths) {
     EXPECT_EQ(drawing.LayerAt(2), a);
     ASSERT_EQ(recorder.seen.size(), 1u);
     EXPECT_EQ(recorder.seen[0].change.kind, GR_ChangeKind::kMoved);
-    EXPECT_EQ(recorder.seen[0].change.path, (GR_LayerPath{0, 0}));
-    EXPECT_EQ(recorder.seen[0].change.second, (GR_LayerPath{0, 2}));
+    // The new place first, the old one second.
+    EXPECT_EQ(recorder.seen[0].change.path, (GR_LayerPath{0, 2}));
+    EXPECT_EQ(recorder.seen[0].change.second, (GR_LayerPath{0, 0}));
     EXPECT_EQ(followB.Path(), (GR_LayerPath{0, 0}));
     GR_Layer* d = access.AddLayer(GR_Layer::kLine, {0, 0});
     ASSERT_NE(d, nullptr);

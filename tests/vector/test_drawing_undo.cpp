@@ -16,7 +16,9 @@ using namespace drawtest;
 
 struct Record {
     GR_ChangeKind kind;
+    // The node's place; for a move, the old place.
     GR_LayerPath path;
+    // For a move, the new place.
     GR_LayerPath second;
     // The layer before the change; null for an addition and for a group.
     std::shared_ptr<const GR_Layer> snapshot;
@@ -38,6 +40,9 @@ class Recorder : public GR_Listener {
 public:
     void LayerChanged(GR_VectorDrawingObj&, UT_Node* node, const GR_LayerChange& change) override {
         Record record{change.kind, change.path, change.second, nullptr};
+        // A move record keeps the old place first and the new one second.
+        if (change.kind == GR_ChangeKind::kMoved)
+            std::swap(record.path, record.second);
         if (change.kind == GR_ChangeKind::kChanged || change.kind == GR_ChangeKind::kRemoved)
             record.snapshot = Snapshot(node);
         command.push_back(std::move(record));
