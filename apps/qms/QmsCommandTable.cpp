@@ -46,6 +46,11 @@ const std::vector<QmsCommand>& QmsCommandTable() {
         {"geom",
          "qms geom fit|intersect|flatten INPUT.json [--tolerance T] [--scale S] [--svg FILE] [--json]",
          "fit, intersect or flatten paths given as JSON points; draw them", QmsRunGeom},
+        {"drawing", "qms drawing info FILE.qmd [--json] | qms drawing svg FILE.qmd LAYER OUT.svg [--json]",
+         "show a vector drawing file's layers, planar maps and colours; draw one layer's map as SVG (LAYER "
+         "is an "
+         "index or a path such as 0/1/0)",
+         QmsRunDrawing},
         {"image", "qms image convert IN OUT [--json]",
          "read any image file and write it as TGA (our codec) or PNG, by OUT's extension", QmsRunImage},
         {"palette",

@@ -28,6 +28,7 @@ int QmsRunPath(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunLipsync(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunGeom(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunImage(QmsContext& context, const std::vector<std::string>& words);
+int QmsRunDrawing(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunCells(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunPlay(QmsContext& context, const std::vector<std::string>& words);
 int QmsRunPalette(QmsContext& context, const std::vector<std::string>& words);

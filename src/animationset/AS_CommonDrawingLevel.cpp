@@ -1,13 +1,14 @@
 #include "animationset/AS_CommonDrawingLevel.h"
 
 #include "core/DB_Archive.h"
+#include "core/DB_Exception.h"
 #include "core/DB_FileContainer.h"
-#include "core/DB_MemFile.h"
 #include "core/UT_FileTransaction.h"
+#include "render/BM_TgaCodec.h"
+#include "vector/GR_BitmapDrawingObj.h"
+#include "vector/GR_VectorDrawingObj.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 void AS_CommonDrawingLevel::Read(DB_Archive& archive) {
@@ -53,10 +54,6 @@ void AS_CommonDrawingLevel::ClearModified() {
         entry->ClearModified();
 }
 
-std::unique_ptr<AS_DrawingData> AS_CommonDrawingLevel::CreateDrawing() const {
-    return std::make_unique<AS_DrawingData>();
-}
-
 UT_FilePath AS_CommonDrawingLevel::GetDrawingPath() const {
     return folder_.Append(GetFolderName());
 }
@@ -69,28 +66,11 @@ bool AS_CommonDrawingLevel::FileExists(const UT_WString& baseName) const {
     return GetDrawingPath(baseName).IsFile();
 }
 
-bool AS_CommonDrawingLevel::LoadDrawing(AS_DrawingData& drawing, const UT_WString& baseName) const {
-    std::ifstream in(GetDrawingPath(baseName).Path(), std::ios::binary);
-    if (!in)
-        return false;
-    std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (in.bad() || !IsValidFile(bytes))
-        return false;
-    drawing.bytes = std::move(bytes);
-    return true;
-}
-
-bool AS_CommonDrawingLevel::SaveDrawing(const AS_DrawingData& drawing, const UT_WString& baseName) const {
+UT_FilePath AS_CommonDrawingLevel::TemporaryFileFor(const UT_WString& baseName) const {
     const UT_FilePath folder = GetDrawingPath();
     if (!folder.IsFolder() && folder.CreateFolders() != 0)
-        return false;
-    UT_FileTransaction::Handle transaction = UT_FileTransaction::Get();
-    const UT_FilePath temporary = transaction->AddReplace(GetDrawingPath(baseName));
-    std::ofstream out(temporary.Path(), std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(drawing.bytes.data()),
-              static_cast<std::streamsize>(drawing.bytes.size()));
-    out.close();
-    return static_cast<bool>(out);
+        return UT_FilePath();
+    return UT_FileTransaction::Get()->AddReplace(GetDrawingPath(baseName));
 }
 
 void AS_CommonDrawingLevel::RemoveFile(const UT_WString& baseName) const {
@@ -177,15 +157,52 @@ void AS_CommonDrawingLevel::RemoveDrawingFiles() {
             entry->RemoveFile();
 }
 
-bool AS_CommonVectorDrawingLevel::IsValidFile(const std::vector<uint8_t>& bytes) const {
-    DB_MemFile file;
-    file.Write(bytes.data(), bytes.size());
-    file.Rewind();
-    DB_Archive archive(&file, false);
+std::unique_ptr<GR_DrawingObj> AS_CommonVectorDrawingLevel::CreateDrawing() const {
+    return std::make_unique<GR_VectorDrawingObj>();
+}
+
+bool AS_CommonVectorDrawingLevel::LoadDrawing(GR_DrawingObj& drawing, const UT_WString& baseName) const {
+    const UT_FilePath path = GetDrawingPath(baseName);
+    if (!path.IsFile())
+        return false;
     try {
-        DB_FileContainer::ReadHeader(archive, 1, u"");
-    } catch (const std::exception&) {
+        DB_FileContainer::LoadTyped(path, drawing, DB_FileContainer::kVectorDrawing, GetPaletteList());
+    } catch (const DB_Exception&) {
         return false;
     }
     return true;
+}
+
+bool AS_CommonVectorDrawingLevel::SaveDrawing(GR_DrawingObj& drawing, const UT_WString& baseName) const {
+    const UT_FilePath temporary = TemporaryFileFor(baseName);
+    if (temporary.IsEmpty())
+        return false;
+    try {
+        DB_FileContainer::SaveTyped(temporary, drawing, DB_FileContainer::kVectorDrawing, GetPaletteList());
+    } catch (const DB_Exception&) {
+        return false;
+    }
+    return true;
+}
+
+std::unique_ptr<GR_DrawingObj> AS_CommonBitmapDrawingLevel::CreateDrawing() const {
+    return std::make_unique<GR_BitmapDrawingObj>();
+}
+
+bool AS_CommonBitmapDrawingLevel::LoadDrawing(GR_DrawingObj& drawing, const UT_WString& baseName) const {
+    auto* image = dynamic_cast<GR_BitmapDrawingObj*>(&drawing);
+    auto bitmap = std::make_unique<BM_QMTBitmap>();
+    if (!image || !bitmap->LoadFromFile(GetDrawingPath(baseName)))
+        return false;
+    image->SetBitmap(std::move(bitmap));
+    return true;
+}
+
+bool AS_CommonBitmapDrawingLevel::SaveDrawing(GR_DrawingObj& drawing, const UT_WString& baseName) const {
+    const auto* image = dynamic_cast<GR_BitmapDrawingObj*>(&drawing);
+    if (!image || !image->GetBitmap() || !image->GetBitmap()->GetBitmap())
+        return false;
+    const UT_FilePath temporary = TemporaryFileFor(baseName);
+    UT_WString error;
+    return !temporary.IsEmpty() && BM_TgaCodec::Save(temporary, *image->GetBitmap()->GetBitmap(), error);
 }

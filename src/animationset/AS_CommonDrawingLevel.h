@@ -28,11 +28,8 @@ public:
     virtual UT_WString GetFileExtension() const = 0;
     virtual UT_WString GetFolderName() const = 0;
 
-    // The creator's side.
-    std::unique_ptr<AS_DrawingData> CreateDrawing() const override;
+    // The creator's side; the drawings of each sort load and save in the derived classes.
     bool FileExists(const UT_WString& baseName) const override;
-    bool LoadDrawing(AS_DrawingData& drawing, const UT_WString& baseName) const override;
-    bool SaveDrawing(const AS_DrawingData& drawing, const UT_WString& baseName) const override;
     const UT_WString& GetElementName() const override { return name_; }
     void RemoveFile(const UT_WString& baseName) const override;
 
@@ -68,8 +65,9 @@ public:
     void RemoveDrawingFiles();
 
 protected:
-    // True when the bytes are a file of this element's sort.
-    virtual bool IsValidFile(const std::vector<uint8_t>& bytes) const = 0;
+    // The temporary file of the current file transaction that will replace the drawing's
+    // file, with its folder made; empty when the folder cannot be made.
+    UT_FilePath TemporaryFileFor(const UT_WString& baseName) const;
 
 private:
     uint32_t nextDrawingId_ = 1001;
@@ -78,15 +76,16 @@ private:
     CM_PaletteList* palettes_ = nullptr;
 };
 
-// The shared half of a Drawing element: vector drawings in "qmd" files under "Drawing".
+// The shared half of a Drawing element: vector drawings in "qmd" files under "Drawing",
+// read and written with the element's palettes as context.
 class AS_CommonVectorDrawingLevel : public AS_CommonDrawingLevel {
 public:
     using AS_CommonDrawingLevel::AS_CommonDrawingLevel;
     UT_WString GetFileExtension() const override { return u"qmd"; }
     UT_WString GetFolderName() const override { return u"Drawing"; }
-
-protected:
-    bool IsValidFile(const std::vector<uint8_t>& bytes) const override;
+    std::unique_ptr<GR_DrawingObj> CreateDrawing() const override;
+    bool LoadDrawing(GR_DrawingObj& drawing, const UT_WString& baseName) const override;
+    bool SaveDrawing(GR_DrawingObj& drawing, const UT_WString& baseName) const override;
 };
 
 // The shared half of an Image element: "tga" files under "Bitmap".
@@ -95,7 +94,7 @@ public:
     using AS_CommonDrawingLevel::AS_CommonDrawingLevel;
     UT_WString GetFileExtension() const override { return u"tga"; }
     UT_WString GetFolderName() const override { return u"Bitmap"; }
-
-protected:
-    bool IsValidFile(const std::vector<uint8_t>& bytes) const override { return !bytes.empty(); }
+    std::unique_ptr<GR_DrawingObj> CreateDrawing() const override;
+    bool LoadDrawing(GR_DrawingObj& drawing, const UT_WString& baseName) const override;
+    bool SaveDrawing(GR_DrawingObj& drawing, const UT_WString& baseName) const override;
 };

@@ -1,33 +1,13 @@
 #include "animationset/AS_DopeSheetDrawingObj.h"
 
 #include "core/DB_Archive.h"
-#include "core/DB_FileContainer.h"
-#include "core/DB_MemFile.h"
 #include "core/UT_Format.h"
 #include "core/UT_MessageHandler.h"
-
-#include <cstring>
+#include "vector/GR_BitmapDrawingObj.h"
 
 namespace {
 
-// The file kind of vector drawings and the size of its version-51 header.
-constexpr uint32_t kDrawingFileKind = 1;
-constexpr size_t kHeaderSize = 33;
 bool g_loadMessageSilenced = false;
-
-// The typed object that a version-51 drawing file holds behind its header, or an empty
-// view when the bytes are not such a file.
-bool TypedObjectOfFile(const std::vector<uint8_t>& bytes, const uint8_t*& data, size_t& size) {
-    static const char kHead[] = "QuilmoorTechnologiesInc \0"
-                                "51\0"
-                                "\x01\0\0\0"
-                                "\0";
-    if (bytes.size() <= kHeaderSize || std::memcmp(bytes.data(), kHead, kHeaderSize) != 0)
-        return false;
-    data = bytes.data() + kHeaderSize;
-    size = bytes.size() - kHeaderSize;
-    return true;
-}
 
 } // namespace
 
@@ -37,14 +17,17 @@ UT_WString AS_DopeSheetDrawingObj::BaseName() const {
     return creator_->GetElementName() + u"-" + name_;
 }
 
-AS_DrawingData* AS_DopeSheetDrawingObj::GetDrawing() {
+GR_DrawingObj* AS_DopeSheetDrawingObj::GetDrawing() {
     if (!drawing_ && hasFile_ && creator_) {
-        std::unique_ptr<AS_DrawingData> drawing = creator_->CreateDrawing();
+        std::unique_ptr<GR_DrawingObj> drawing = creator_->CreateDrawing();
         if (creator_->LoadDrawing(*drawing, BaseName())) {
-            drawing->modified = false;
+            drawing->SetModified(false);
             drawing_ = std::move(drawing);
         } else {
-            if (!g_loadMessageSilenced) {
+            if (dynamic_cast<GR_BitmapDrawingObj*>(drawing.get())) {
+                UT_MessageHandler::Post(UT_MessageHandler::kWarning,
+                                        UT_Fmt(u"Unable to load the image file %1$S", BaseName()));
+            } else if (!g_loadMessageSilenced) {
                 g_loadMessageSilenced = true;
                 UT_MessageHandler::Post(
                     UT_MessageHandler::kWarning,
@@ -59,15 +42,15 @@ AS_DrawingData* AS_DopeSheetDrawingObj::GetDrawing() {
     return drawing_.get();
 }
 
-void AS_DopeSheetDrawingObj::SetDrawing(std::unique_ptr<AS_DrawingData> drawing) {
+void AS_DopeSheetDrawingObj::SetDrawing(std::unique_ptr<GR_DrawingObj> drawing) {
     drawing_ = std::move(drawing);
     if (drawing_)
-        drawing_->modified = true;
+        drawing_->SetModified(true);
 }
 
 void AS_DopeSheetDrawingObj::LoadForEdit() {
-    if (AS_DrawingData* drawing = GetDrawing())
-        drawing->modified = true;
+    if (GR_DrawingObj* drawing = GetDrawing())
+        drawing->SetModified(true);
 }
 
 void AS_DopeSheetDrawingObj::Rename(const UT_WString& newName) {
@@ -83,7 +66,7 @@ void AS_DopeSheetDrawingObj::PrepareElementRename() {
 
 void AS_DopeSheetDrawingObj::ClearModified() {
     if (drawing_)
-        drawing_->modified = false;
+        drawing_->SetModified(false);
 }
 
 void AS_DopeSheetDrawingObj::Release() {
@@ -92,7 +75,7 @@ void AS_DopeSheetDrawingObj::Release() {
 }
 
 void AS_DopeSheetDrawingObj::DropIfUnmodified() {
-    if (drawing_ && !drawing_->modified && hasFile_)
+    if (drawing_ && !drawing_->IsModified() && hasFile_)
         drawing_.reset();
 }
 
@@ -112,19 +95,13 @@ void AS_DopeSheetDrawingObj::Read(DB_Archive& archive) {
         hasFile_ = archive.ReadBool();
         return;
     }
+    // The drawing travels in a nested archive; the next save of the project writes its file.
     DB_Archive nested(archive);
     hasFile_ = false;
     if (!nested.ReadBool())
         return;
-    // Carried as a typed object; kept as the file that the next save writes.
-    std::unique_ptr<CPersistentObjBase> object = nested.ReadNew();
-    DB_MemFile image;
-    DB_Archive writer(&image, false);
-    DB_FileContainer::WriteHeader(writer, kDrawingFileKind);
-    writer.WriteTyped(*object);
-    auto drawing = std::make_unique<AS_DrawingData>();
-    drawing->bytes.assign(image.Data(), image.Data() + image.Size());
-    drawing->modified = true;
+    std::unique_ptr<GR_DrawingObj> drawing = nested.ReadNewAs<GR_DrawingObj>();
+    drawing->SetModified(true);
     drawing_ = std::move(drawing);
 }
 
@@ -137,9 +114,9 @@ void AS_DopeSheetDrawingObj::Write(DB_Archive& archive) {
         // current form: each drawing is loaded for it and let go again afterwards.
         const bool loadedForConversion = archive.IsConverting() && !drawing_ && GetDrawing();
         if (loadedForConversion)
-            drawing_->modified = true;
-        if (drawing_ && drawing_->modified && creator_ && creator_->SaveDrawing(*drawing_, BaseName())) {
-            drawing_->modified = false;
+            drawing_->SetModified(true);
+        if (drawing_ && drawing_->IsModified() && creator_ && creator_->SaveDrawing(*drawing_, BaseName())) {
+            drawing_->SetModified(false);
             hasFile_ = true;
         }
         archive.WriteBool(hasFile_);
@@ -148,11 +125,8 @@ void AS_DopeSheetDrawingObj::Write(DB_Archive& archive) {
         return;
     }
     DB_Archive nested(archive);
-    const uint8_t* data = nullptr;
-    size_t size = 0;
-    const AS_DrawingData* drawing = GetDrawing();
-    const bool present = drawing && TypedObjectOfFile(drawing->bytes, data, size);
-    nested.WriteBool(present);
-    if (present)
-        nested.WriteRaw(data, size);
+    GR_DrawingObj* drawing = GetDrawing();
+    nested.WriteBool(drawing != nullptr);
+    if (drawing)
+        nested.WriteTyped(*drawing);
 }

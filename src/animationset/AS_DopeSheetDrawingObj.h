@@ -15,19 +15,20 @@ public:
     AS_DopeSheetDrawingObj() = default;
     AS_DopeSheetDrawingObj(UT_WString name, uint32_t id) : name_(std::move(name)), id_(id) {}
 
-    // The file form (a project file) or, for an embedded archive, the form that carries
-    // the drawing itself (undo snapshots, clipboard, templates).
+    // The file form (a project file), which saves a loaded and modified drawing to its file
+    // on the way, or, for an embedded archive, the form that carries the drawing itself
+    // (undo snapshots, clipboard, templates).
     void Read(DB_Archive& archive);
     void Write(DB_Archive& archive);
 
     const UT_WString& GetName() const { return name_; }
     uint32_t GetId() const { return id_; }
     // The drawing, loaded from its file when needed; nullptr when there is none.
-    AS_DrawingData* GetDrawing();
+    GR_DrawingObj* GetDrawing();
     bool HasDrawing() const { return drawing_ != nullptr; }
     bool HasFile() const { return hasFile_; }
     // Gives the entry new data, which the next save writes.
-    void SetDrawing(std::unique_ptr<AS_DrawingData> drawing);
+    void SetDrawing(std::unique_ptr<GR_DrawingObj> drawing);
     // Loads the drawing under the old name and marks it modified before the name changes,
     // so that the next save writes it under the new name. The old file stays.
     void Rename(const UT_WString& newName);
@@ -52,6 +53,6 @@ private:
     uint32_t id_ = AS_kInvalidId;
     bool hasFile_ = false;
     bool locked_ = false;
-    std::unique_ptr<AS_DrawingData> drawing_;
+    std::unique_ptr<GR_DrawingObj> drawing_;
     AS_DrawingObjCreator* creator_ = nullptr;
 };

@@ -419,7 +419,8 @@ private:
 
 class CrossingCounter : public ChordSink {
 public:
-    void Chords(size_t, const GR_Bezier2d& pa, size_t, const GR_Bezier2d& pb) override {
+    explicit CrossingCounter(std::vector<GR_LineCrossing>* record = nullptr) : record_(record) {}
+    void Chords(size_t i, const GR_Bezier2d& pa, size_t, const GR_Bezier2d& pb) override {
         const ChordSolution s = SolveChords(pa, pb);
         for (int k = 0; k < s.count; ++k) {
             if (s.atEnd[k])
@@ -429,25 +430,65 @@ public:
             const int c = s.conditions[k];
             const int weight = c == 4 ? 4 : c == 3 ? 2 : c == 2 ? 1 : 0;
             sum += s.sign * weight;
+            if (weight != 0 && s.v[k] < nearest)
+                nearest = s.v[k];
+            if (record_) {
+                GR_LineCrossing crossing;
+                crossing.line = s.v[k];
+                crossing.parameter = static_cast<double>(i) + pa.MapBack(s.u[k]);
+                crossing.point = s.point[k];
+                crossing.weight = s.sign * weight;
+                crossing.direction = pa.Last() - pa.First();
+                record_->push_back(crossing);
+            }
         }
     }
     int sum = 0;
     bool touched = false;
+    double nearest = 2.0;
+
+private:
+    std::vector<GR_LineCrossing>* record_;
 };
 
 // Every piece is closed at both ends here: a line through a point shared by two pieces
 // meets both, and the weights 2 + 2 make one crossing of it.
-void CountPieces(const GR_Bezier2d& piece, int depth, const GR_Bezier2d& line, CrossingCounter& counter) {
+void CountPieces(const GR_Bezier2d& piece, size_t i, int depth, const GR_Bezier2d& line,
+                 CrossingCounter& counter) {
     if (!piece.Box().Overlaps(line.Box()))
         return;
     if (depth < kMaxSplitDepth && !piece.IsSmall()) {
         GR_Bezier2d left, right;
         piece.SplitSnapped(0.5, left, right);
-        CountPieces(left, depth + 1, line, counter);
-        CountPieces(right, depth + 1, line, counter);
+        CountPieces(left, i, depth + 1, line, counter);
+        CountPieces(right, i, depth + 1, line, counter);
         return;
     }
-    counter.Chords(0, piece, 0, line);
+    counter.Chords(i, piece, 0, line);
+}
+
+// Every segment whose stored points come near the line piece, through the recursion.
+void CountLine(const GR_BezierPath2d& path, const GR_Point2d& a, const GR_Point2d& b,
+               CrossingCounter& counter) {
+    const std::vector<GR_Point2f>& points = path.points;
+    const GR_Bezier2d line(a, b);
+    const GR_Box2d& lineBox = line.Box();
+    for (size_t i = 0; i < path.SegmentCount(); ++i) {
+        // A quick rejection on the stored points before the segment is built.
+        const size_t first = path.KnotPoint(i), last = std::min(path.KnotPoint(i + 1), points.size() - 1);
+        float xmin = points[first].x, xmax = xmin, ymin = points[first].y, ymax = ymin;
+        for (size_t k = first + 1; k <= last; ++k) {
+            xmin = std::min(xmin, points[k].x);
+            xmax = std::max(xmax, points[k].x);
+            ymin = std::min(ymin, points[k].y);
+            ymax = std::max(ymax, points[k].y);
+        }
+        if (xmax < lineBox.xmin || xmin > lineBox.xmax || ymax < lineBox.ymin || ymin > lineBox.ymax)
+            continue;
+        GR_Bezier2d segment;
+        path.Segment(i, segment);
+        CountPieces(segment, i, 0, line, counter);
+    }
 }
 
 void NearestPiece(const GR_Bezier2d& piece, size_t i, const GR_Point2d& p, int depth, double& best,
@@ -860,27 +901,24 @@ void GR_BezierPath2d::CrossLine(const GR_Point2d& a, const GR_Point2d& b,
 }
 
 int GR_BezierPath2d::CountCrossings(const GR_Point2d& a, const GR_Point2d& b, bool& touched) const {
-    const GR_Bezier2d line(a, b);
-    const GR_Box2d& lineBox = line.Box();
+    double nearest = 2.0;
+    return CountCrossings(a, b, touched, nearest);
+}
+
+int GR_BezierPath2d::CountCrossings(const GR_Point2d& a, const GR_Point2d& b, bool& touched,
+                                    double& nearest) const {
     CrossingCounter counter;
-    for (size_t i = 0; i < SegmentCount(); ++i) {
-        // A quick rejection on the stored points before the segment is built.
-        const size_t first = KnotPoint(i), last = std::min(KnotPoint(i + 1), points.size() - 1);
-        float xmin = points[first].x, xmax = xmin, ymin = points[first].y, ymax = ymin;
-        for (size_t k = first + 1; k <= last; ++k) {
-            xmin = std::min(xmin, points[k].x);
-            xmax = std::max(xmax, points[k].x);
-            ymin = std::min(ymin, points[k].y);
-            ymax = std::max(ymax, points[k].y);
-        }
-        if (xmax < lineBox.xmin || xmin > lineBox.xmax || ymax < lineBox.ymin || ymin > lineBox.ymax)
-            continue;
-        GR_Bezier2d segment;
-        Segment(i, segment);
-        CountPieces(segment, 0, line, counter);
-    }
+    CountLine(*this, a, b, counter);
     touched = counter.touched;
+    if (counter.nearest < nearest)
+        nearest = counter.nearest;
     return counter.sum;
+}
+
+void GR_BezierPath2d::LineCrossings(const GR_Point2d& a, const GR_Point2d& b,
+                                    std::vector<GR_LineCrossing>& out) const {
+    CrossingCounter counter(&out);
+    CountLine(*this, a, b, counter);
 }
 
 bool GR_BezierPath2d::Contains(const GR_Point2d& point, bool winding) const {

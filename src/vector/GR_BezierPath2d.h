@@ -18,6 +18,19 @@ struct GR_Affine2d {
     GR_Point2d Apply(const GR_Point2d& p) const { return {a * p.x + c * p.y + e, b * p.x + d * p.y + f}; }
 };
 
+// One meeting of a path with a straight line piece, as the crossing count sees it.
+struct GR_LineCrossing {
+    // Parameter along the line piece, 0 to 1, and path parameter.
+    double line = 0.0;
+    double parameter = 0.0;
+    GR_Point2d point;
+    // Signed weight: 4 for a full crossing, 2 or 1 at an end of a chord or of the line, with
+    // the sign of the cross product of the chord and the line.
+    int weight = 0;
+    // Direction of the chord met, along the path.
+    GR_Point2d direction;
+};
+
 // A chain of Bezier segments of degree 1 to 3 with f32 control points. Knots are either an
 // explicit list of point indices or, when step is not 0, every step-th point.
 //
@@ -97,6 +110,11 @@ public:
     // Weighted signed crossing count with the line piece (see Contains); touched is set
     // when the line meets the path at an end of a chord or of the line.
     int CountCrossings(const GR_Point2d& a, const GR_Point2d& b, bool& touched) const;
+    // The same; `nearest` comes down to the line parameter (0 to 1) of the nearest meeting
+    // that has a weight.
+    int CountCrossings(const GR_Point2d& a, const GR_Point2d& b, bool& touched, double& nearest) const;
+    // Every meeting with the line piece that the crossing count sees, with its weight.
+    void LineCrossings(const GR_Point2d& a, const GR_Point2d& b, std::vector<GR_LineCrossing>& out) const;
     // Inside test by a horizontal ray: even-odd, or non-zero when winding is set.
     bool Contains(const GR_Point2d& point, bool winding) const;
     // Improves bestDistance (squared) and sets parameter when some point of the path is

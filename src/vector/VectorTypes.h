@@ -1,4 +1,4 @@
 #pragma once
 
-// Registers the persistent classes of the vector library (pens, drawings).
+// Registers the persistent classes of the vector library: pens, drawings and side colours.
 void VectorRegisterTypes();

@@ -1,5 +1,6 @@
 // The scene commands of the random walk, and the set it starts from.
 
+#include "DrawingTestUtil.h"
 #include "RandomCommands.h"
 #include "animationset/AS_DrawingLevelObj.h"
 #include "animationset/DC_AddSceneCommand.h"
@@ -26,17 +27,6 @@ UT_WString FreeSceneName(const CAnimationSetObj& set, std::mt19937& random) {
 std::array<uint8_t, 4> RandomColour(std::mt19937& random) {
     return {static_cast<uint8_t>(RandomIn(random, 0, 255)), static_cast<uint8_t>(RandomIn(random, 0, 255)),
             static_cast<uint8_t>(RandomIn(random, 0, 255)), static_cast<uint8_t>(RandomIn(random, 0, 255))};
-}
-
-// A drawing file's image: the container header and one typed object.
-std::vector<uint8_t> DrawingImage(uint8_t marker) {
-    DB_MemFile content;
-    content.Write(&marker, 1);
-    DB_MemFile image;
-    DB_Archive archive(&image, false);
-    DB_FileContainer::WriteHeader(archive, 1);
-    archive.WriteTyped(content);
-    return {image.Data(), image.Data() + image.Size()};
 }
 
 } // namespace
@@ -117,10 +107,9 @@ std::unique_ptr<CAnimationSetObj> MakeRandomWalkSet(std::mt19937& random) {
     // A drawing that exists nowhere but in memory: a deleted scene must bring it back.
     for (const auto& entry : set->Sequence()[2]->Levels()) {
         if (auto* drawing = dynamic_cast<AS_DrawingLevelObj*>(entry.level.get())) {
-            auto data = std::make_unique<AS_DrawingData>();
-            data->bytes = DrawingImage(0x5A);
-            data->modified = true;
-            drawing->CommonDrawing()->AddDrawingWithId(1001, u"1")->SetDrawing(std::move(data));
+            drawing->CommonDrawing()
+                ->AddDrawingWithId(1001, u"1")
+                ->SetDrawing(MarkedDrawing(0x5A, FirstColour(set->PaletteList())));
         }
     }
     return set;

@@ -2,6 +2,7 @@
 // through the file operations.
 
 #include "ByteBuilder.h"
+#include "DrawingTestUtil.h"
 #include "FakeHosts.h"
 #include "RegisterAll.h"
 #include "animationset/AS_CommonDrawingLevel.h"
@@ -226,12 +227,9 @@ TEST_F(DocumentTest, OpeningReadsNoDrawingFileAndSavingWritesOnlyChangedOnes) {
     auto* level = static_cast<AS_VectorGraphicLevelObj*>(document->Set()->FindScene(1)->FindElement(2004));
     ASSERT_NE(level, nullptr);
     for (const char16_t* name : {u"1", u"2"}) {
-        auto data = std::make_unique<AS_DrawingData>();
-        data->bytes = ByteBuilder().Header(1).U16(600).U32(1).U8(uint8_t(name[0])).Bytes();
-        data->modified = true;
         level->CommonDrawing()
             ->FindDrawing(level->CommonDrawing()->AddDrawing(name))
-            ->SetDrawing(std::move(data));
+            ->SetDrawing(MarkedDrawing(name[0]));
     }
     ASSERT_TRUE(document->Save());
     const fs::path drawings = folder.Path() / "Reel" / "Scene-001" / "Drawing";

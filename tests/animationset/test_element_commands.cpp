@@ -1,6 +1,7 @@
 // The commands on elements and on their rows: each change, what observers hear of it,
 // and the state that undo and redo bring back, also across a save that erased files.
 
+#include "DrawingTestUtil.h"
 #include "FakeHosts.h"
 #include "SetTestUtil.h"
 #include "animationset/AS_CameraLevelObj.h"
@@ -29,16 +30,6 @@ namespace {
 
 // The default scene: default camera 2001, camera 2002, peg 2003, drawing 2004.
 constexpr uint32_t kCamera = 2002, kPeg = 2003, kDrawing = 2004;
-
-std::vector<uint8_t> DrawingImage(uint8_t marker) {
-    DB_MemFile content;
-    content.Write(&marker, 1);
-    DB_MemFile image;
-    DB_Archive archive(&image, false);
-    DB_FileContainer::WriteHeader(archive, 1);
-    archive.WriteTyped(content);
-    return {image.Data(), image.Data() + image.Size()};
-}
 
 std::vector<uint8_t> Written(AS_Placement placement) {
     DB_MemFile file;
@@ -138,9 +129,7 @@ TEST_F(ElementCommandsTest, RemovedClonesComeBackSharingTheirDrawingsAfterASave)
     UT_MessageHandlerScope scope(&messages);
     FakeAppHost host;
     auto* drawing = static_cast<AS_VectorGraphicLevelObj*>(Element(kDrawing));
-    auto data = std::make_unique<AS_DrawingData>();
-    data->bytes = DrawingImage('d');
-    drawing->CommonDrawing()->AddDrawingWithId(1001, u"1")->SetDrawing(std::move(data));
+    drawing->CommonDrawing()->AddDrawingWithId(1001, u"1")->SetDrawing(MarkedDrawing('d'));
     drawing->Cells() = {{1001, u""}};
     set->SetName(u"Reel");
     set->SetForcedDirty(true);
@@ -193,7 +182,7 @@ TEST_F(ElementCommandsTest, RemovedClonesComeBackSharingTheirDrawingsAfterASave)
     ASSERT_NE(twin, nullptr);
     EXPECT_EQ(original->Common(), twin->Common());
     EXPECT_EQ(twin->GetDisplayName(), u"Drawing(1)");
-    EXPECT_EQ(original->CommonDrawing()->FindDrawing(1001)->GetDrawing()->bytes, DrawingImage('d'));
+    EXPECT_EQ(MarkerOf(original->CommonDrawing()->FindDrawing(1001)->GetDrawing()), 'd');
     EXPECT_EQ(scene->LivePosition(kDrawing), 2);
     ASSERT_TRUE(document.Save());
     EXPECT_TRUE(fs::exists(file));

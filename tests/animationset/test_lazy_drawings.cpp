@@ -2,6 +2,7 @@
 // when it is first used, and a save writes the project file and the drawings that
 // changed, nothing else.
 
+#include "DrawingTestUtil.h"
 #include "FakeHosts.h"
 #include "RegisterAll.h"
 #include "animationset/AS_DrawingLevelObj.h"
@@ -23,15 +24,9 @@ namespace {
 
 constexpr int kDrawings = 60;
 
-std::vector<uint8_t> DrawingImage(uint8_t marker, int number) {
-    DB_MemFile content;
-    content.Write(&marker, 1);
-    content.Write(&number, sizeof number);
-    DB_MemFile image;
-    DB_Archive archive(&image, false);
-    DB_FileContainer::WriteHeader(archive, 1);
-    archive.WriteTyped(content);
-    return {image.Data(), image.Data() + image.Size()};
+// The marker of the drawing of that number in one generation of the files.
+double Marker(int generation, int number) {
+    return generation * 1000 + number;
 }
 
 // Writes down where the save's renames put files: every file that a save writes
@@ -75,10 +70,8 @@ TEST_F(LazyDrawingsTest, DrawingsAreReadOnFirstUseAndOnlyChangedOnesAreWritten) 
         set->SetForcedDirty(true);
         auto* level = static_cast<AS_DrawingLevelObj*>(set->Sequence().front()->FindElement(2004));
         for (int i = 1; i <= kDrawings; ++i) {
-            auto data = std::make_unique<AS_DrawingData>();
-            data->bytes = DrawingImage('a', i);
             const uint32_t id = level->CommonDrawing()->AddDrawing(UT_FromUtf8(std::to_string(i)));
-            level->CommonDrawing()->FindDrawing(id)->SetDrawing(std::move(data));
+            level->CommonDrawing()->FindDrawing(id)->SetDrawing(MarkedDrawing(Marker(1, i)));
             level->Cells().push_back({id, u""});
         }
         CSketchrunDoc document(host);
@@ -98,29 +91,26 @@ TEST_F(LazyDrawingsTest, DrawingsAreReadOnFirstUseAndOnlyChangedOnesAreWritten) 
     // The files change behind the open project: what a drawing shows when first used is
     // what its file holds then, so nothing was read before.
     for (int i = 1; i <= kDrawings; ++i) {
-        const std::vector<uint8_t> bytes = DrawingImage('b', i);
+        const std::vector<uint8_t> bytes = MarkedDrawingFile(Marker(2, i));
         std::ofstream(DrawingFile(i), std::ios::binary | std::ios::trunc)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     }
     AS_DopeSheetDrawingObj* seventh = drawings.FindDrawingByName(u"7");
     ASSERT_NE(seventh->GetDrawing(), nullptr);
-    EXPECT_EQ(seventh->GetDrawing()->bytes, DrawingImage('b', 7));
+    EXPECT_EQ(MarkerOf(seventh->GetDrawing()), Marker(2, 7));
     for (uint32_t id : drawings.GetDrawingIds())
         EXPECT_EQ(drawings.FindDrawing(id)->HasDrawing(), drawings.FindDrawing(id) == seventh);
 
     // Read but unchanged, the drawing is not written again; changed, it is, with the
     // project file and nothing else.
-    auto changed = std::make_unique<AS_DrawingData>();
-    changed->bytes = DrawingImage('c', 7);
-    drawings.FindDrawingByName(u"12")->SetDrawing(std::move(changed));
+    drawings.FindDrawingByName(u"12")->SetDrawing(MarkedDrawing(Marker(3, 7)));
     RecordingRenames renames;
     UT_FileOperations* previous = UT_FileOperations::SetCurrent(&renames);
     const bool saved = document.Save(false, true);
     UT_FileOperations::SetCurrent(previous);
     ASSERT_TRUE(saved);
     EXPECT_EQ(renames.placed, (std::set<std::string>{"Reel.qmp", "Drawing-12.qmd"}));
-    std::ifstream in(DrawingFile(12), std::ios::binary);
-    EXPECT_EQ(std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {}), DrawingImage('c', 7));
+    EXPECT_EQ(MarkerOfFile(UT_FilePath(DrawingFile(12))), Marker(3, 7));
     EXPECT_TRUE(messages.messages.empty());
 }
 

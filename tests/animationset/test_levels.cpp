@@ -3,6 +3,7 @@
 // the drawing files behind a drawing element.
 
 #include "ByteBuilder.h"
+#include "DrawingTestUtil.h"
 #include "animationset/AS_CameraLevelObj.h"
 #include "animationset/AS_DrawingLevelObj.h"
 #include "animationset/AS_EffectLevel.h"
@@ -15,6 +16,7 @@
 #include "core/CPersistentType.h"
 #include "core/DB_Archive.h"
 #include "core/DB_Exception.h"
+#include "core/DB_FileContainer.h"
 #include "core/DB_MemFile.h"
 #include "core/DD_DragDataStore.h"
 #include "core/UT_FileTransaction.h"
@@ -22,6 +24,11 @@
 #include "motion/CCatmullCurve.h"
 #include "motion/CSpline.h"
 #include "motion/MotionTypes.h"
+#include "vector/GR_DrawingAccess.h"
+#include "vector/GR_Layer.h"
+#include "vector/GR_VectorDrawingObj.h"
+#include "vector/GR_VectorStroke.h"
+#include "vector/VectorTypes.h"
 
 #include <cmath>
 #include <filesystem>
@@ -94,6 +101,7 @@ protected:
     void SetUp() override {
         CoreRegisterTypes();
         MotionRegisterTypes();
+        VectorRegisterTypes();
         AnimationSetRegisterTypes();
     }
 };
@@ -680,9 +688,6 @@ protected:
         fs::create_directories(root / "Scene-001" / "Drawing");
     }
     void TearDown() override { fs::remove_all(root); }
-    static std::vector<uint8_t> DrawingFile(uint8_t marker) {
-        return ByteBuilder().Header(1).U16(600).U32(1).U8(marker).Bytes();
-    }
     void Put(const std::string& name, const std::vector<uint8_t>& bytes) {
         std::ofstream(root / "Scene-001" / "Drawing" / name, std::ios::binary)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
@@ -711,8 +716,8 @@ TEST_F(DrawingFilesTest, LazyLoadRenameAndSaveKeepOldFiles) {
     const uint32_t one = common->AddDrawing(u"1");
     const uint32_t two = common->AddDrawing(u"2");
     EXPECT_EQ(common->GetDrawingPath(u"Arm-12").Path(), root / "Scene-001" / "Drawing" / "Arm-12.qmd");
-    Put("Arm-1.qmd", DrawingFile('a'));
-    Put("Arm-2.qmd", DrawingFile('b'));
+    Put("Arm-1.qmd", MarkedDrawingFile('a'));
+    Put("Arm-2.qmd", MarkedDrawingFile('b'));
 
     // A reopened project: the entries know only that they have a file.
     ByteBuilder project;
@@ -733,28 +738,28 @@ TEST_F(DrawingFilesTest, LazyLoadRenameAndSaveKeepOldFiles) {
     EXPECT_FALSE(openedCommon->FindDrawing(one)->HasDrawing());
     EXPECT_FALSE(openedCommon->FindDrawing(two)->HasDrawing());
     ASSERT_NE(openedCommon->FindDrawing(one)->GetDrawing(), nullptr);
-    EXPECT_EQ(openedCommon->FindDrawing(one)->GetDrawing()->bytes, DrawingFile('a'));
+    EXPECT_EQ(MarkerOf(openedCommon->FindDrawing(one)->GetDrawing()), 'a');
     EXPECT_FALSE(openedCommon->FindDrawing(two)->HasDrawing());
 
     // Saving unchanged drawings writes no file.
     fs::remove(root / "Scene-001" / "Drawing" / "Arm-1.qmd");
     SaveProject(*opened);
     EXPECT_FALSE(fs::exists(root / "Scene-001" / "Drawing" / "Arm-1.qmd"));
-    Put("Arm-1.qmd", DrawingFile('a'));
+    Put("Arm-1.qmd", MarkedDrawingFile('a'));
 
     // Renaming the element loads every drawing under the old name; the save writes them
     // under the new one and leaves the old files.
     opened->SetName(u"Hand");
     SaveProject(*opened);
-    EXPECT_EQ(Get("Hand-1.qmd"), DrawingFile('a'));
-    EXPECT_EQ(Get("Hand-2.qmd"), DrawingFile('b'));
-    EXPECT_EQ(Get("Arm-1.qmd"), DrawingFile('a'));
-    EXPECT_EQ(Get("Arm-2.qmd"), DrawingFile('b'));
+    EXPECT_EQ(Get("Hand-1.qmd"), MarkedDrawingFile('a'));
+    EXPECT_EQ(Get("Hand-2.qmd"), MarkedDrawingFile('b'));
+    EXPECT_EQ(Get("Arm-1.qmd"), MarkedDrawingFile('a'));
+    EXPECT_EQ(Get("Arm-2.qmd"), MarkedDrawingFile('b'));
 
     // Renaming one drawing works the same way.
     openedCommon->FindDrawing(two)->Rename(u"20");
     SaveProject(*opened);
-    EXPECT_EQ(Get("Hand-20.qmd"), DrawingFile('b'));
+    EXPECT_EQ(Get("Hand-20.qmd"), MarkedDrawingFile('b'));
     EXPECT_TRUE(fs::exists(root / "Scene-001" / "Drawing" / "Hand-2.qmd"));
 }
 
@@ -780,13 +785,51 @@ TEST_F(DrawingFilesTest, MissingFileGivesAnEmptyCellAndNoFile) {
     EXPECT_EQ(drawing->GetDrawing(), nullptr);
 }
 
+TEST_F(DrawingFilesTest, ModifiedDrawingsAreSavedThroughTheTransaction) {
+    auto level = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
+    level->SetFolder(UT_FilePath(root / "Scene-001"));
+    AS_CommonDrawingLevel* common = level->CommonDrawing();
+    common->AddDrawingWithId(1001, u"1")->SetDrawing(MarkedDrawing('x'));
+    common->AddDrawingWithId(1002, u"2");
+    SaveProject(*level);
+    EXPECT_EQ(Get("Arm-1.qmd"), MarkedDrawingFile('x'));
+    EXPECT_FALSE(fs::exists(root / "Scene-001" / "Drawing" / "Arm-2.qmd"));
+    AS_DopeSheetDrawingObj* entry = common->FindDrawing(1001);
+    EXPECT_TRUE(entry->HasFile());
+    EXPECT_FALSE(entry->GetDrawing()->IsModified());
+
+    // An edit marks the drawing; the next save writes it again, and only it.
+    GR_DrawingAccess access;
+    access.SetDrawing(dynamic_cast<GR_VectorDrawingObj*>(entry->GetDrawing()));
+    access.RemoveLayer({0, 0});
+    EXPECT_TRUE(entry->GetDrawing()->IsModified());
+    fs::remove(root / "Scene-001" / "Drawing" / "Arm-2.qmd");
+    SaveProject(*level);
+    EXPECT_EQ(Get("Arm-1.qmd"), ByteBuilder().Header(1).U16(202).U8(0).Bool(false).U32(0).Bytes());
+
+    // A project of an older version converts every drawing on saving, loaded or not.
+    Put("Arm-1.qmd", MarkedDrawingFile('y'));
+    common->ReleaseUnmodified();
+    EXPECT_FALSE(entry->HasDrawing());
+    fs::remove(root / "Scene-001" / "Drawing" / "Arm-1.qmd");
+    Put("Arm-1.qmd", MarkedDrawingFile('z'));
+    DB_MemFile file;
+    {
+        UT_FileTransaction::Handle transaction = UT_FileTransaction::Get();
+        DB_Archive archive(&file, false);
+        archive.SetConverting(true);
+        archive.WriteTyped(*level);
+        EXPECT_TRUE(transaction->Commit());
+    }
+    EXPECT_FALSE(entry->HasDrawing());
+    EXPECT_EQ(Get("Arm-1.qmd"), MarkedDrawingFile('z'));
+}
+
 TEST_F(DrawingFilesTest, EmbeddedFormCarriesTheDrawing) {
     auto level = AS_VectorGraphicLevelObj::Create(2004, u"Arm");
     level->SetFolder(UT_FilePath(root / "Scene-001"));
     AS_DopeSheetDrawingObj* entry = level->CommonDrawing()->AddDrawingWithId(1001, u"1");
-    auto data = std::make_unique<AS_DrawingData>();
-    data->bytes = DrawingFile('q');
-    entry->SetDrawing(std::move(data));
+    entry->SetDrawing(MarkedDrawing('q'));
     AS_DopeSheetDrawingObj empty(u"2", 1002);
 
     DB_MemFile file;
@@ -795,14 +838,15 @@ TEST_F(DrawingFilesTest, EmbeddedFormCarriesTheDrawing) {
         entry->Write(archive);
         empty.Write(archive);
     }
+    const std::vector<uint8_t> drawingFile = MarkedDrawingFile('q');
+    // The drawing's typed object is what its file holds after the 33 bytes of the header.
+    const std::vector<uint8_t> typed(drawingFile.begin() + 33, drawingFile.end());
     const std::vector<uint8_t> expected = ByteBuilder()
                                               .Wide(u"1")
                                               .U32(1001)
                                               .Bool(false)
                                               .Bool(true)
-                                              .U16(600)
-                                              .U32(1)
-                                              .U8('q')
+                                              .Raw(typed)
                                               .Wide(u"2")
                                               .U32(1002)
                                               .Bool(false)
@@ -816,8 +860,18 @@ TEST_F(DrawingFilesTest, EmbeddedFormCarriesTheDrawing) {
     back.Read(reader);
     EXPECT_FALSE(back.HasFile());
     ASSERT_TRUE(back.HasDrawing());
-    EXPECT_EQ(back.GetDrawing()->bytes, DrawingFile('q'));
-    EXPECT_TRUE(back.GetDrawing()->modified);
+    EXPECT_EQ(MarkerOf(back.GetDrawing()), 'q');
+    EXPECT_TRUE(back.GetDrawing()->IsModified());
+
+    // Something else than a drawing in its place is refused.
+    const std::vector<uint8_t> wrong =
+        ByteBuilder().Wide(u"1").U32(1001).Bool(false).Bool(true).U16(600).U32(0).Bytes();
+    DB_MemFile bad;
+    bad.Write(wrong.data(), wrong.size());
+    bad.Rewind();
+    DB_Archive badReader(&bad, true);
+    AS_DopeSheetDrawingObj refused;
+    EXPECT_THROW(refused.Read(badReader), DB_Exception);
 }
 
 } // namespace

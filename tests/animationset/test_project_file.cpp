@@ -18,6 +18,7 @@
 #include "core/UT_SettingsStore.h"
 #include "core/UT_UniqueId.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -524,13 +525,20 @@ TEST_F(ProjectFileTest, EarlierVersionsAreReadAndRewrittenAs51) {
         EXPECT_EQ(fs::last_write_time(drawing), past);
         EXPECT_TRUE(document.IsModified());
 
-        // Yes: the project is written as 51, and the drawing file is written again too.
+        // Yes: the project is written as 51, and so is the drawing file.
         messages.answers = {UT_MessageHandler::kYes};
         ASSERT_TRUE(document.Save());
         EXPECT_FALSE(document.IsModified());
         EXPECT_EQ(set->Version(), 51);
         EXPECT_TRUE(SameBytes(ConvertedProjectBytes(version), ReadFile(project)));
         EXPECT_GT(fs::last_write_time(drawing), past);
+        ByteBuilder currentHeader;
+        currentHeader.Narrow("QuilmoorTechnologiesInc ").Narrow("51");
+        const auto drawingBytes = ReadFile(drawing);
+        ASSERT_GE(drawingBytes.size(), currentHeader.Bytes().size());
+        EXPECT_TRUE(
+            std::equal(currentHeader.Bytes().begin(), currentHeader.Bytes().end(), drawingBytes.begin()))
+            << "the drawing is rewritten in the current form";
         EXPECT_FALSE(level->CommonDrawing()->FindDrawing(1001)->HasDrawing()); // let go after the write
         for (const auto& entry : fs::recursive_directory_iterator(root))
             EXPECT_EQ(entry.path().string().find(".new"), std::string::npos) << entry.path();

@@ -14,6 +14,8 @@
 #include "core/DB_MemFile.h"
 #include "core/UT_FileTransaction.h"
 #include "motion/MotionTypes.h"
+#include "vector/GR_VectorDrawingObj.h"
+#include "vector/VectorTypes.h"
 
 #include <filesystem>
 #include <fstream>
@@ -66,6 +68,7 @@ protected:
     void SetUp() override {
         CoreRegisterTypes();
         MotionRegisterTypes();
+        VectorRegisterTypes();
         AnimationSetRegisterTypes();
     }
 };
@@ -274,9 +277,9 @@ TEST_F(SceneTest, RemovedElementComesBackAndSavePurgesIt) {
         const uint32_t id = scene.NewElementId();
         auto* level = static_cast<AS_VectorGraphicLevelObj*>(
             scene.AddElement(AS_VectorGraphicLevelObj::Create(id, u"Arm")));
-        auto data = std::make_unique<AS_DrawingData>();
-        data->bytes = ByteBuilder().Header(1).U16(600).U32(0).Bytes();
-        level->CommonDrawing()->AddDrawingWithId(1001, u"1")->SetDrawing(std::move(data));
+        level->CommonDrawing()
+            ->AddDrawingWithId(1001, u"1")
+            ->SetDrawing(std::make_unique<GR_VectorDrawingObj>());
         {
             UT_FileTransaction::Handle transaction = UT_FileTransaction::Get();
             Written(scene);

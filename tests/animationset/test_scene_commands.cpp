@@ -1,6 +1,7 @@
 // The commands on scenes and on the set's properties, what observers hear of them, the
 // dirty state of the set, and the scene-planning settings that follow the current scene.
 
+#include "DrawingTestUtil.h"
 #include "FakeHosts.h"
 #include "SetTestUtil.h"
 #include "animationset/AS_CameraLevelObj.h"
@@ -105,19 +106,9 @@ TEST_F(SceneCommandsTest, ADeletedSceneComesBackWholeFromItsSnapshot) {
     CDopeSheetObj* scene = set->FindScene(2);
     AS_DrawingLevelObj* drawing = DrawingElement(*scene);
     ASSERT_NE(drawing, nullptr);
-    auto data = std::make_unique<AS_DrawingData>();
-    {
-        DB_MemFile content;
-        const uint8_t marker = 0x42;
-        content.Write(&marker, 1);
-        DB_MemFile image;
-        DB_Archive archive(&image, false);
-        DB_FileContainer::WriteHeader(archive, 1);
-        archive.WriteTyped(content);
-        data->bytes.assign(image.Data(), image.Data() + image.Size());
-    }
-    const std::vector<uint8_t> bytes = data->bytes;
-    drawing->CommonDrawing()->AddDrawingWithId(1001, u"1")->SetDrawing(std::move(data));
+    drawing->CommonDrawing()
+        ->AddDrawingWithId(1001, u"1")
+        ->SetDrawing(MarkedDrawing(0x42, FirstColour(set->PaletteList())));
     const uint32_t defaultCamera = scene->DefaultCamera()->GetId();
     const uint32_t nextElement = scene->NextElementId();
     const SetState before = StateOf(*set);
@@ -135,7 +126,7 @@ TEST_F(SceneCommandsTest, ADeletedSceneComesBackWholeFromItsSnapshot) {
     AS_DopeSheetDrawingObj* entry = DrawingElement(*restored)->CommonDrawing()->FindDrawing(1001);
     ASSERT_NE(entry, nullptr);
     ASSERT_TRUE(entry->HasDrawing());
-    EXPECT_EQ(entry->GetDrawing()->bytes, bytes);
+    EXPECT_EQ(MarkerOf(entry->GetDrawing()), 0x42);
     // The default camera is not in the stream: it comes back under its own id, so the
     // scene's counter of element ids stays where it was.
     EXPECT_EQ(restored->DefaultCamera()->GetId(), defaultCamera);
