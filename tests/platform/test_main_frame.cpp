@@ -6,6 +6,8 @@
 #include "platform/GUT_Commands.h"
 #include "platform/GUT_NewAnimationWnd.h"
 #include "platform/GUT_SceneOverview.h"
+#include "platform/GUT_TimelineWnd.h"
+#include "render/CInteractivePlaybackControl.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -88,12 +90,30 @@ TEST_F(MainFrameTest, MenuBarAndTitleFollowTheDocument) {
     NewProject("Reel");
     ASSERT_NE(Document(), nullptr);
     EXPECT_EQ(Frame().CurrentMenu(), CMainFrame::kMenuDocument);
-    EXPECT_EQ(MenuTitles(), (QStringList{"File", "Edit", "View", "Scene", "Help"}));
+    EXPECT_EQ(MenuTitles(), (QStringList{"File", "Edit", "View", "Scene", "Element", "Exposure", "Palette",
+                                         "Play", "Help"}));
     commands = MenuCommands();
-    for (uint32_t id :
-         {kCmdFileClose, kCmdFileSave, kCmdFileSaveAs, kCmdFileProperties, kCmdDrawingMode,
-          kCmdSceneplanningMode, kCmdFileSaveGlobalLibrary, kCmdEditUndo, kCmdEditRedo, kCmdViewSceneList,
-          kCmdSceneAdd, kCmdSceneDelete, kCmdSceneRename, kCmdSceneToggleVisibility})
+    for (uint32_t id : std::initializer_list<uint32_t>{kCmdFileClose,
+                                                       kCmdFileSave,
+                                                       kCmdFileSaveAs,
+                                                       kCmdFileProperties,
+                                                       kCmdDrawingMode,
+                                                       kCmdSceneplanningMode,
+                                                       kCmdFileSaveGlobalLibrary,
+                                                       kCmdEditUndo,
+                                                       kCmdEditRedo,
+                                                       kCmdViewSceneList,
+                                                       kCmdSceneAdd,
+                                                       kCmdSceneDelete,
+                                                       kCmdSceneRename,
+                                                       kCmdSceneToggleVisibility,
+                                                       kCmdElementNewDrawing,
+                                                       kCmdElementClone,
+                                                       kCmdCellTwos,
+                                                       kCmdColourNew,
+                                                       kCmdViewPalettes,
+                                                       uint32_t{CInteractivePlaybackControl::kPlay},
+                                                       uint32_t{CInteractivePlaybackControl::kRate24}})
         EXPECT_TRUE(commands.count(id)) << id;
     EXPECT_FALSE(Frame().Action(kCmdFileSaveGlobalLibrary)->isEnabled()); // no library window
     EXPECT_EQ(Frame().windowTitle(), "Reel[*] - Quilmoor Studio");
@@ -418,8 +438,19 @@ TEST_F(MainFrameTest, ModeSwitchSwapsShortcutsAndLayout) {
     EXPECT_TRUE(toDrawing->isChecked());
     EXPECT_EQ(toSceneplanning->shortcut(), QKeySequence(Qt::Key_F6));
     EXPECT_TRUE(toDrawing->shortcut().isEmpty());
-    frame.Overview()->repaint();
-    EXPECT_LT(frame.Overview()->StageRect().right(), frame.Overview()->ElementsRect().left());
+    // The timeline below the stage shows the order of the mode: pegs belong to the
+    // Sceneplanning order alone.
+    auto count = [&frame](uint32_t kind) {
+        const auto& rows = frame.Timeline()->Rows();
+        return std::count_if(rows.begin(), rows.end(), [kind](const auto& row) { return row.kind == kind; });
+    };
+    EXPECT_LT(frame.Overview()->geometry().bottom(), frame.Timeline()->geometry().top());
+    const auto drawings = count(kLevelVectorDrawing);
+    EXPECT_FALSE(Run(kCmdElementNewPeg));
+    ASSERT_TRUE(Run(kCmdElementNewDrawing));
+    EXPECT_EQ(count(kLevelVectorDrawing), drawings + 1);
+    EXPECT_EQ(count(kLevelPeg), 0);
+    const size_t drawingRows = frame.Timeline()->Rows().size();
 
     ASSERT_TRUE(Run(kCmdSceneplanningMode));
     EXPECT_TRUE(frame.IsSceneplanningMode());
@@ -427,8 +458,11 @@ TEST_F(MainFrameTest, ModeSwitchSwapsShortcutsAndLayout) {
     EXPECT_TRUE(toSceneplanning->isChecked());
     EXPECT_EQ(toDrawing->shortcut(), QKeySequence(Qt::Key_F6));
     EXPECT_TRUE(toSceneplanning->shortcut().isEmpty());
-    frame.Overview()->repaint();
-    EXPECT_LT(frame.Overview()->StageRect().bottom(), frame.Overview()->ElementsRect().top());
+    const auto pegs = count(kLevelPeg);
+    ASSERT_TRUE(Run(kCmdElementNewPeg));
+    EXPECT_EQ(count(kLevelPeg), pegs + 1);
+    EXPECT_EQ(count(kLevelVectorDrawing), drawings + 1);
+    EXPECT_GT(frame.Timeline()->Rows().size(), drawingRows);
 
     // Shortcuts common to both tables stay.
     EXPECT_EQ(frame.Action(kCmdFileSave)->shortcut(), QKeySequence(QKeySequence::fromString("Ctrl+S")));
@@ -439,6 +473,8 @@ TEST_F(MainFrameTest, ModeSwitchSwapsShortcutsAndLayout) {
     QTest::keyClick(&frame, Qt::Key_F6);
     EXPECT_FALSE(frame.IsSceneplanningMode());
     EXPECT_FALSE(Document()->Set()->IsSceneplanningMode());
+    EXPECT_EQ(frame.Timeline()->Rows().size(), drawingRows);
+    EXPECT_EQ(count(kLevelPeg), 0);
     QTest::keyClick(&frame, Qt::Key_F6);
     EXPECT_TRUE(frame.IsSceneplanningMode());
 }
