@@ -170,8 +170,9 @@ void GUT_PlaybackToolBar::Changed() {
 
 // ---- the control of the open set
 
-GUT_Playback::GUT_Playback(CInteractivePlayBackToolBar& toolbar, UT_SettingsStore& settings)
-    : toolbar_(toolbar), settings_(settings), loop_(*this) {}
+GUT_Playback::GUT_Playback(CInteractivePlayBackToolBar& toolbar, UT_SettingsStore& settings,
+                           CMultimediaTimer::Clock& clock)
+    : toolbar_(toolbar), settings_(settings), clock_(&clock), loop_(*this) {}
 
 GUT_Playback::~GUT_Playback() {
     SetSet(nullptr);
@@ -190,7 +191,21 @@ void GUT_Playback::SetSet(CAnimationSetObj* set) {
 
 void GUT_Playback::MakeControl() {
     control_ = std::make_unique<CInteractivePlaybackControl>(*this, loop_, &toolbar_, set_->SettingsManager(),
-                                                             rangeMode_, settings_);
+                                                             rangeMode_, settings_, *clock_);
+}
+
+void GUT_Playback::RemakeControl() {
+    const bool loop = control_ && control_->IsLooping();
+    DropControl();
+    if (set_) {
+        MakeControl();
+        control_->SetLoop(loop);
+    }
+}
+
+void GUT_Playback::SetClock(CMultimediaTimer::Clock& clock) {
+    clock_ = &clock;
+    RemakeControl();
 }
 
 void GUT_Playback::DropControl(bool stop) {
@@ -208,13 +223,8 @@ void GUT_Playback::DropControl(bool stop) {
 void GUT_Playback::SetRangeMode(bool on) {
     if (on == rangeMode_)
         return;
-    const bool loop = control_ && control_->IsLooping();
-    DropControl();
     rangeMode_ = on;
-    if (set_) {
-        MakeControl();
-        control_->SetLoop(loop);
-    }
+    RemakeControl();
 }
 
 void GUT_Playback::Refresh() {

@@ -23,8 +23,10 @@ class GUT_Playback : public CInteractivePlaybackFrame,
                      public GUT_CommandTarget,
                      public AS_DopeSheetObserverInterface {
 public:
-    // `settings` holds the rates and outlives this object.
-    GUT_Playback(CInteractivePlayBackToolBar& toolbar, UT_SettingsStore& settings);
+    // `settings` holds the rates and outlives this object, as does `clock`, which paces
+    // the timer.
+    GUT_Playback(CInteractivePlayBackToolBar& toolbar, UT_SettingsStore& settings,
+                 CMultimediaTimer::Clock& clock = CMultimediaTimer::Clock::System());
     ~GUT_Playback() override;
     GUT_Playback(const GUT_Playback&) = delete;
     GUT_Playback& operator=(const GUT_Playback&) = delete;
@@ -32,6 +34,8 @@ public:
     // A control for the open set; null stops playback and drops the control.
     void SetSet(CAnimationSetObj* set);
     void SetRangeMode(bool on);
+    // Another clock for the timer: playback stops and a new control takes it.
+    void SetClock(CMultimediaTimer::Clock& clock);
     bool IsRangeMode() const { return rangeMode_; }
     bool IsPlaying() const { return control_ && control_->IsPlaying(); }
     CInteractivePlaybackControl* Control() const { return control_.get(); }
@@ -57,6 +61,8 @@ public:
 
 private:
     void MakeControl();
+    // A new control in place of the current one, which stops; Loop stays as it was.
+    void RemakeControl();
     // Ends playback, unless `stop` is false, and drops the control.
     void DropControl(bool stop = true);
     // The buttons and the line after a change that the control did not see.
@@ -64,6 +70,7 @@ private:
 
     CInteractivePlayBackToolBar& toolbar_;
     UT_SettingsStore& settings_;
+    CMultimediaTimer::Clock* clock_;
     // Before the control: ticks may still be posted while the control stops its timer.
     GUT_MessageLoop loop_;
     std::unique_ptr<CInteractivePlaybackControl> control_;
