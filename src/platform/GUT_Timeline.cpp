@@ -606,7 +606,6 @@ void GUT_TimelineWnd::OpenEditor(EditKind kind, const QRect& where, const QStrin
     if (selectAll)
         editor_->selectAll();
     editor_->installEventFilter(this);
-    connect(editor_, &QLineEdit::returnPressed, this, [this] { CloseEditor(true); });
     editor_->show();
     editor_->setFocus(Qt::OtherFocusReason);
 }
@@ -665,8 +664,11 @@ void GUT_TimelineWnd::CloseEditor(bool commit) {
 
 bool GUT_TimelineWnd::eventFilter(QObject* watched, QEvent* event) {
     if (watched == editor_) {
-        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-            CloseEditor(false);
+        // Taken here: the line edit would pass Enter on to the timeline, which opens the
+        // editor again.
+        const int key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent*>(event)->key() : 0;
+        if (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter) {
+            CloseEditor(key != Qt::Key_Escape);
             return true;
         }
         if (event->type() == QEvent::FocusOut) {
