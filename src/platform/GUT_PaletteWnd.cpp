@@ -205,7 +205,7 @@ GUT_PaletteWnd::GUT_PaletteWnd(QWidget* parent) : QWidget(parent) {
     auto* form = new QFormLayout;
     form->setContentsMargins(0, 0, 0, 0);
     form->addRow(gut::Tr("Palette"), palettes_);
-    form->addRow(gut::Tr("Flavour"), flavours_);
+    form->addRow(gut::Tr("Flavor"), flavours_);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->addLayout(form);
@@ -424,7 +424,7 @@ bool GUT_PaletteWnd::RenameColour(UT_UniqueId id, const UT_WString& name) {
     if (!place.palette || name == place.palette->GetEntry(static_cast<size_t>(place.index))->GetName())
         return false;
     if (name.empty()) {
-        UT_MessageHandler::Post(UT_MessageHandler::kWarning, u"The name of the colour cannot be empty.");
+        UT_MessageHandler::Post(UT_MessageHandler::kWarning, u"The name of the color cannot be empty.");
         return false;
     }
     CM_RenameEntryCommand command(*List(), id, name);
@@ -463,7 +463,7 @@ bool GUT_PaletteWnd::RenameFlavour(const UT_WString& name) {
         return false;
     if (palette->HasStyleNamed(name)) {
         UT_MessageHandler::Post(UT_MessageHandler::kWarning,
-                                UT_Fmt(u"Palette \"%S\" has a flavour named \"%S\" already; please choose a "
+                                UT_Fmt(u"Palette \"%S\" has a flavor named \"%S\" already; please choose a "
                                        u"different name.",
                                        palette->GetName(), name));
         return false;
@@ -542,7 +542,7 @@ bool GUT_PaletteWnd::OnCommand(uint32_t id) {
         QColorDialog dialog(colour->Stops().empty() ? QColor(Qt::white) : ToQColor(colour->ColorAt(0.0)),
                             this);
         dialog.setObjectName(QStringLiteral("ColourDialog"));
-        dialog.setWindowTitle(gut::Tr("Edit Colour: %1").arg(gut::ToQt(colour->GetName())));
+        dialog.setWindowTitle(gut::Tr("Edit Color: %1").arg(gut::ToQt(colour->GetName())));
         dialog.setOption(QColorDialog::ShowAlphaChannel);
         dialog.setOption(QColorDialog::DontUseNativeDialog);
         return dialog.exec() == QDialog::Accepted && EditColour(dialog.currentColor());
@@ -561,7 +561,7 @@ bool GUT_PaletteWnd::OnCommand(uint32_t id) {
         return DeleteColour();
     case kCmdFlavourRename:
         return palette &&
-               AskName("Rename Flavour", palette->GetStyles()[palette->GetCurrentStyle()].name, name) &&
+               AskName("Rename Flavor", palette->GetStyles()[palette->GetCurrentStyle()].name, name) &&
                RenameFlavour(name);
     case kCmdFlavourDelete:
         return DeleteFlavour();
