@@ -221,10 +221,12 @@ void GUT_PaletteWnd::SetActions(const std::function<QAction*(uint32_t)>& actionO
         auto* line = new QHBoxLayout;
         int i = 0;
         for (const uint32_t id : ids) {
+            QAction* action = actionOf(id);
+            // The buttons say it short; the menus say it in full. The button shows the
+            // icon text, which the menu's updates of the text leave alone.
+            action->setIconText(texts[i++]);
             auto* button = new QToolButton(this);
-            button->setDefaultAction(actionOf(id));
-            // The buttons say it short; the menus say it in full.
-            button->setText(texts[i++]);
+            button->setDefaultAction(action);
             line->addWidget(button);
         }
         line->addStretch();
