@@ -4,6 +4,7 @@
 #include "GuiTestSupport.h"
 #include "core/UT_FileOperations.h"
 #include "platform/GUT_Commands.h"
+#include "platform/GUT_ElementCommands.h"
 #include "platform/GUT_NewAnimationWnd.h"
 #include "platform/GUT_SceneOverview.h"
 #include "platform/GUT_TimelineWnd.h"
@@ -483,11 +484,52 @@ TEST_F(MainFrameTest, ScreenshotOfAnOpenDocument) {
     Start();
     NewProject("Reel");
     CMainFrame& frame = Frame();
-    frame.resize(1100, 660);
+    frame.resize(1280, 760);
+    frame.show();
     ASSERT_TRUE(Run(kCmdSceneAdd));
     ASSERT_TRUE(Run(kCmdSceneAdd));
-    ASSERT_TRUE(Run(kCmdSceneplanningMode));
     QApplication::processEvents();
+
+    // A small demo made as a user makes it: drawings typed into the timeline and held on
+    // twos, an arm that hangs from a peg in the Sceneplanning tree.
+    GUT_TimelineWnd& timeline = *frame.Timeline();
+    auto type = [&timeline](int32_t frameIndex, int32_t row, const QString& name) {
+        QTest::mouseClick(timeline.viewport(), Qt::LeftButton, {},
+                          timeline.CellRect(frameIndex, row).center());
+        QTest::keyClicks(&timeline, name.left(1));
+        ASSERT_NE(timeline.Editor(), nullptr);
+        QTest::keyClicks(timeline.Editor(), name.mid(1));
+        QTest::keyClick(timeline.Editor(), Qt::Key_Return);
+    };
+    auto twos = [&](int32_t row, int32_t last) {
+        QTest::mouseClick(timeline.viewport(), Qt::LeftButton, {}, timeline.CellRect(0, row).center());
+        QTest::mouseClick(timeline.viewport(), Qt::LeftButton, Qt::ShiftModifier,
+                          timeline.CellRect(last, row).center());
+        ASSERT_TRUE(Run(kCmdCellTwos));
+    };
+    ASSERT_TRUE(Run(kCmdElementNewDrawing));
+    const uint32_t arm = frame.Elements()->Current()->GetId();
+    ASSERT_TRUE(frame.Elements()->Rename(arm, u"Arm"));
+    const int32_t armRow = AS_CellIteratorObservable::Instance().LevelIndex();
+    const int32_t bodyRow = armRow == 0 ? 1 : 0;
+    for (int32_t i = 0; i < 6; ++i)
+        type(i, bodyRow, QString::number(i + 1));
+    twos(bodyRow, 5);
+    for (int32_t i = 0; i < 4; ++i)
+        type(i, armRow, QStringLiteral("arm%1").arg(i + 1));
+    twos(armRow, 3);
+    ASSERT_TRUE(Run(kCmdSceneplanningMode));
+    ASSERT_TRUE(Run(kCmdElementNewPeg));
+    const uint32_t peg = frame.Elements()->Current()->GetId();
+    ASSERT_TRUE(frame.Elements()->Rename(peg, u"Shoulder"));
+    ASSERT_TRUE(frame.Elements()->Reparent(arm, peg));
+    AS_CellIteratorObservable& cell = AS_CellIteratorObservable::Instance();
+    cell.SetCell({4, cell.LevelIndex()});
+    cell.SelectCurrentCell();
+    cell.NotifyMove(nullptr);
+    QApplication::processEvents();
+    EXPECT_TRUE(frame.Overview()->ExposureText().startsWith("Frame 5: "))
+        << frame.Overview()->ExposureText().toStdString();
     const QImage image = frame.grab().toImage();
     ASSERT_FALSE(image.isNull());
     const QString path = QStringLiteral(QMS_TEST_OUTPUT_DIR "/qmstudio-main-window.png");
