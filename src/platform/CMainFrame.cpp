@@ -206,9 +206,11 @@ CMainFrame::CMainFrame(GUT_AcceleratorTable& accelerators) : accelerators_(accel
     palettes_->SetActions(actionOf);
     ShowMenu(kMenuNoDocument);
     UpdateTitle();
+    AS_CellIteratorObservable::Instance().Attach(this);
 }
 
 CMainFrame::~CMainFrame() {
+    AS_CellIteratorObservable::Instance().Detach(this);
     // Playback ends before the views it moves go.
     playback_.reset();
     if (set_)
@@ -514,6 +516,12 @@ void CMainFrame::ScheduleUpdate() {
             UpdateCommands();
         });
     }
+}
+
+void CMainFrame::CellIteratorChanged(const void*, const AS_CellIteratorObserverData& data) {
+    // Playback tells when it starts and ends; its frames change no command.
+    if (data.code != AS_CellIteratorObserverData::kPlaybackFrame)
+        ScheduleUpdate();
 }
 
 void CMainFrame::DopeSheetObservableGone(const void*) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "animationset/AS_CellIteratorObservable.h"
 #include "animationset/AS_DopeSheetObservable.h"
 #include "animationset/DC_Command.h"
 #include "core/UT_FilePath.h"
@@ -38,6 +39,7 @@ class QStackedWidget;
 class CMainFrame : public QMainWindow,
                    public GUT_CommandTarget,
                    public AS_DopeSheetObserverInterface,
+                   public AS_CellIteratorObserverInterface,
                    public DC_ModeCommandTarget {
 public:
     enum MenuId { kMenuNoDocument = 130, kMenuDocument = 133 };
@@ -111,6 +113,8 @@ public:
     bool OnCommand(uint32_t id) override;
     void DopeSheetChanged(const void* sender, const AS_DopeSheetUpdateData& data) override;
     void DopeSheetObservableGone(const void* observable) override;
+    // A move of the current cell changes what the cell commands and their keys can do.
+    void CellIteratorChanged(const void* sender, const AS_CellIteratorObserverData& data) override;
     void OnModeCommand(CAnimationSetObj& set, uint32_t commandId) override;
 
 protected:

@@ -162,6 +162,21 @@ TEST_F(TimelineTest, KeysMoveTheCellAndBadNamesAreRefused) {
     Type("5");
     EXPECT_NE(level->DrawingIdAt(6), AS_kInvalidId);
     EXPECT_EQ(Timeline().CellAt(6, row), (Cell{Cell::kRunStart, "5"}));
+
+    // The keys of the Exposure menu, while the timeline has the focus: Insert puts a blank
+    // cell in front, Delete clears.
+    Frame().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame()));
+    Click(6);
+    ASSERT_TRUE(Timeline().hasFocus());
+    // The commands follow the cell once the event loop turns, as it does between two keys.
+    QApplication::processEvents();
+    QTest::keyClick(&Timeline(), Qt::Key_Insert);
+    EXPECT_EQ(Timeline().CellAt(7, row), (Cell{Cell::kRunStart, "5"}));
+    Click(7);
+    QApplication::processEvents();
+    QTest::keyClick(&Timeline(), Qt::Key_Delete);
+    EXPECT_EQ(level->DrawingIdAt(7), AS_kInvalidId);
 }
 
 } // namespace
