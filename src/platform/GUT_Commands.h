@@ -64,6 +64,9 @@ enum GUT_CommandId : uint32_t {
     kCmdColourDelete = 33577,
     kCmdFlavourRename = 33578,
     kCmdFlavourDelete = 33579,
+    kCmdColourMoveBack = 33580,
+    kCmdColourMoveForward = 33581,
+    kCmdFlavourTint = 33582,
     // Playback: the commands of the playback control keep its identifiers (33017 to 33025,
     // 33180 to 33184 and 33250); these are the timeline's frame range.
     kCmdPlayRangeMode = 33590,

@@ -1,5 +1,5 @@
-// The dialogs of the document: New Animation Set and Save As, Animation Properties, and
-// the properties of an element.
+// The dialogs of the document: New Animation Set and Save As, Animation Properties, the
+// properties of an element, and the tint of a palette's flavor.
 
 #include "animationset/CNewAnimationDlg.h"
 #include "core/PR_Preferences.h"
@@ -7,15 +7,18 @@
 #include "platform/GUT_ElementPropertiesWnd.h"
 #include "platform/GUT_NewAnimationWnd.h"
 #include "platform/GUT_PropertiesWnd.h"
+#include "platform/GUT_TintWnd.h"
 #include "platform/detail/GUT_Qt.h"
 
 #include <QCheckBox>
+#include <QColorDialog>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
@@ -216,5 +219,104 @@ void GUT_ElementPropertiesWnd::accept() {
         p.verticalScale = Edited(verticalScale_, p.verticalScale);
         p.keepProportions = keepProportions_->isChecked();
     }
+    QDialog::accept();
+}
+
+GUT_TintWnd::GUT_TintWnd(QWidget* parent, const UT_WString& flavor,
+                         std::function<UT_WString(const UT_WString&)> checkName)
+    : QDialog(parent), checkName_(std::move(checkName)) {
+    setObjectName(QStringLiteral("TintWnd"));
+    setWindowTitle(gut::Tr("Tint Flavor"));
+    kind_ = new QComboBox(this);
+    kind_->addItems({gut::Tr("Offset red, green and blue"), gut::Tr("Offset hue, saturation and value"),
+                     gut::Tr("Blend with a color")});
+    auto* form = new QFormLayout;
+    form->addRow(gut::Tr("Tint"), kind_);
+    for (size_t i = 0; i < offsets_.size(); ++i) {
+        offsets_[i] = new QSpinBox(this);
+        auto* label = new QLabel(this);
+        offsetLabels_[i] = label;
+        form->addRow(label, offsets_[i]);
+    }
+    alpha_ = new QSpinBox(this);
+    alpha_->setRange(-255, 255);
+    form->addRow(gut::Tr("Alpha"), alpha_);
+    colourButton_ = new QPushButton(gut::Tr("Color..."), this);
+    connect(colourButton_, &QPushButton::clicked, this, [this] {
+        const QColor chosen = QColorDialog::getColor(blend_, this, gut::Tr("Blend Color"));
+        if (chosen.isValid())
+            SetBlendColor(chosen);
+    });
+    form->addRow(gut::Tr("Blend with"), colourButton_);
+    amount_ = new QSpinBox(this);
+    amount_->setRange(0, 100);
+    amount_->setSuffix(QStringLiteral(" %"));
+    form->addRow(gut::Tr("Amount"), amount_);
+    intoNew_ = new QCheckBox(gut::Tr("Into a new flavor"), this);
+    intoNew_->setChecked(true);
+    name_ = new QLineEdit(gut::ToQt(flavor) + gut::Tr(" tinted"), this);
+    connect(intoNew_, &QCheckBox::toggled, name_, &QWidget::setEnabled);
+    form->addRow(intoNew_, name_);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addWidget(OkCancel(this));
+    connect(kind_, &QComboBox::currentIndexChanged, this, [this] { KindChanged(); });
+    SetBlendColor(blend_);
+    KindChanged();
+}
+
+void GUT_TintWnd::SetBlendColor(const QColor& colour) {
+    blend_ = colour;
+    QPixmap swatch(16, 16);
+    swatch.fill(colour);
+    colourButton_->setIcon(QIcon(swatch));
+}
+
+void GUT_TintWnd::KindChanged() {
+    const Kind kind = static_cast<Kind>(kind_->currentIndex());
+    static const char* const kRgb[] = {"Red", "Green", "Blue"};
+    static const char* const kHsv[] = {"Hue (degrees)", "Saturation (%)", "Value (%)"};
+    for (size_t i = 0; i < offsets_.size(); ++i) {
+        const bool offset = kind != kBlend;
+        offsets_[i]->setVisible(offset);
+        offsetLabels_[i]->setVisible(offset);
+        offsetLabels_[i]->setText(gut::Tr(kind == kOffsetHsv ? kHsv[i] : kRgb[i]));
+        const int limit = kind == kOffsetHsv ? (i == 0 ? 360 : 100) : 255;
+        offsets_[i]->setRange(-limit, limit);
+    }
+    alpha_->setEnabled(kind != kBlend);
+    colourButton_->setEnabled(kind == kBlend);
+    // A blend goes half way by default, an offset all the way.
+    amount_->setValue(kind == kBlend ? 50 : 100);
+}
+
+CM_Tint GUT_TintWnd::Tint() const {
+    const int amount = amount_->value();
+    switch (static_cast<Kind>(kind_->currentIndex())) {
+    case kOffsetRgb:
+        return CM_Tint::OffsetRgb(offsets_[0]->value(), offsets_[1]->value(), offsets_[2]->value(),
+                                  alpha_->value(), static_cast<float>(amount));
+    case kOffsetHsv:
+        return CM_Tint::OffsetHsv(offsets_[0]->value(), offsets_[1]->value() * 0.01,
+                                  offsets_[2]->value() * 0.01, alpha_->value(), static_cast<float>(amount));
+    case kBlend:
+        break;
+    }
+    return CM_Tint::Blend({static_cast<uint8_t>(blend_.red()), static_cast<uint8_t>(blend_.green()),
+                           static_cast<uint8_t>(blend_.blue()), static_cast<uint8_t>(blend_.alpha())},
+                          amount);
+}
+
+void GUT_TintWnd::accept() {
+    UT_WString name;
+    if (intoNew_->isChecked()) {
+        name = gut::FromQt(name_->text().trimmed());
+        const UT_WString refusal = name.empty() ? UT_WString(u"The name cannot be empty.") : checkName_(name);
+        if (!refusal.empty()) {
+            Refuse(name_, refusal);
+            return;
+        }
+    }
+    newFlavor_ = name;
     QDialog::accept();
 }

@@ -6,6 +6,7 @@
 #include "colour/CM_AddEntryCommand.h"
 #include "colour/CM_AddPaletteCommand.h"
 #include "colour/CM_EditEntryCommand.h"
+#include "colour/CM_MoveEntryCommand.h"
 #include "colour/CM_RemoveEntryCommand.h"
 #include "colour/CM_RemovePaletteCommand.h"
 #include "colour/CM_RemoveStyleCommand.h"
@@ -13,10 +14,12 @@
 #include "colour/CM_RenamePaletteCommand.h"
 #include "colour/CM_RenameStyleCommand.h"
 #include "colour/CM_SwitchStyleCommand.h"
+#include "colour/CM_TintCommand.h"
 #include "core/UT_CommandHistory.h"
 #include "core/UT_Format.h"
 #include "core/UT_MessageHandler.h"
 #include "platform/GUT_Commands.h"
+#include "platform/GUT_TintWnd.h"
 #include "platform/detail/GUT_Qt.h"
 
 #include <QAbstractListModel>
@@ -448,6 +451,45 @@ bool GUT_PaletteWnd::DeleteColour() {
     return Run(command, CM_RemoveEntryCommand::kName);
 }
 
+bool GUT_PaletteWnd::MoveColour(int by) {
+    const CM_Palette* palette = CurrentPalette();
+    const CM_BaseColorObj* entry = CurrentEntry();
+    if (!entry)
+        return false;
+    const int to = palette->Find(entry->GetId()) + by;
+    if (to < 0 || to >= static_cast<int>(palette->GetEntryCount()))
+        return false;
+    CM_MoveEntryCommand command(*List(), entry->GetId(), static_cast<size_t>(to));
+    return Run(command, CM_MoveEntryCommand::kName);
+}
+
+// The message for a flavour name the palette has already, else empty.
+UT_WString GUT_PaletteWnd::CheckFlavourName(const UT_WString& name) const {
+    const CM_Palette* palette = CurrentPalette();
+    if (!palette || !palette->HasStyleNamed(name))
+        return {};
+    return UT_Fmt(u"Palette \"%S\" has a flavor named \"%S\" already; please choose a different name.",
+                  palette->GetName(), name);
+}
+
+bool GUT_PaletteWnd::TintFlavour(const CM_Tint& tint, const UT_WString& newFlavour) {
+    const CM_Palette* palette = CurrentPalette();
+    if (!palette)
+        return false;
+    if (!newFlavour.empty()) {
+        const UT_WString refusal = CheckFlavourName(newFlavour);
+        if (!refusal.empty()) {
+            UT_MessageHandler::Post(UT_MessageHandler::kWarning, refusal);
+            return false;
+        }
+    }
+    const uint32_t from = palette->GetCurrentStyle();
+    std::unique_ptr<CM_TintCommand> command =
+        CM_TintCommand::Make(*List(), palette->GetId(), tint, from,
+                             newFlavour.empty() ? std::optional<uint32_t>(from) : std::nullopt, newFlavour);
+    return command && Run(*command, CM_TintCommand::kName);
+}
+
 bool GUT_PaletteWnd::SwitchFlavour(uint32_t style) {
     const CM_Palette* palette = CurrentPalette();
     if (!palette || style >= palette->GetStyleCount() || style == palette->GetCurrentStyle())
@@ -463,11 +505,8 @@ bool GUT_PaletteWnd::RenameFlavour(const UT_WString& name) {
     const uint32_t style = palette->GetCurrentStyle();
     if (palette->GetStyles()[style].name == name)
         return false;
-    if (palette->HasStyleNamed(name)) {
-        UT_MessageHandler::Post(UT_MessageHandler::kWarning,
-                                UT_Fmt(u"Palette \"%S\" has a flavor named \"%S\" already; please choose a "
-                                       u"different name.",
-                                       palette->GetName(), name));
+    if (const UT_WString refusal = CheckFlavourName(name); !refusal.empty()) {
+        UT_MessageHandler::Post(UT_MessageHandler::kWarning, refusal);
         return false;
     }
     CM_RenameStyleCommand command(*List(), palette->GetId(), style, name);
@@ -511,6 +550,16 @@ bool GUT_PaletteWnd::UpdateCommand(uint32_t id, State& state) {
     case kCmdColourRename:
     case kCmdColourDelete:
         state.enabled = CurrentEntry() != nullptr;
+        return true;
+    case kCmdColourMoveBack:
+    case kCmdColourMoveForward: {
+        const int at = CurrentEntry() ? palette->Find(selected_) : -1;
+        const int to = at + (id == kCmdColourMoveBack ? -1 : 1);
+        state.enabled = at >= 0 && to >= 0 && to < static_cast<int>(palette->GetEntryCount());
+        return true;
+    }
+    case kCmdFlavourTint:
+        state.enabled = palette != nullptr;
         return true;
     case kCmdFlavourDelete:
         state.enabled = palette && palette->GetStyleCount() > 1;
@@ -567,6 +616,17 @@ bool GUT_PaletteWnd::OnCommand(uint32_t id) {
                RenameFlavour(name);
     case kCmdFlavourDelete:
         return DeleteFlavour();
+    case kCmdColourMoveBack:
+        return MoveColour(-1);
+    case kCmdColourMoveForward:
+        return MoveColour(1);
+    case kCmdFlavourTint: {
+        if (!palette)
+            return false;
+        GUT_TintWnd window(this, palette->GetStyles()[palette->GetCurrentStyle()].name,
+                           [this](const UT_WString& name) { return CheckFlavourName(name); });
+        return window.exec() == QDialog::Accepted && TintFlavour(window.Tint(), window.NewFlavor());
+    }
     default:
         return false;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "colour/CM_PaletteList.h"
+#include "colour/CM_Tint.h"
 #include "platform/GUT_CommandTarget.h"
 
 #include <QWidget>
@@ -50,11 +51,16 @@ public:
     bool EditColour(const QColor& colour);
     bool RenameColour(UT_UniqueId id, const UT_WString& name);
     bool DeleteColour();
+    // Moves the selected colour `by` places, within the palette.
+    bool MoveColour(int by);
     bool SwitchFlavour(uint32_t style);
     // Names that the palette has already are refused with a message.
     bool RenameFlavour(const UT_WString& name);
     // A palette keeps one flavour at least.
     bool DeleteFlavour();
+    // Tints the flavour in force, into itself or, with a name, into a new flavour that is
+    // then in force. Names that the palette has already are refused with a message.
+    bool TintFlavour(const CM_Tint& tint, const UT_WString& newFlavour);
 
     // The palettes changed, by a command or its undo.
     std::function<void()> onChanged;
@@ -67,6 +73,7 @@ private:
     class SwatchModelImpl;
 
     CM_PaletteList* List() const;
+    UT_WString CheckFlavourName(const UT_WString& name) const;
     bool Run(UT_Command& command, const char16_t* name);
     void Reload();
     // Asks for a name; false on Cancel or an empty name.

@@ -5,6 +5,7 @@
 #include "animationset/SetTestUtil.h"
 #include "colour/CM_Color.h"
 #include "platform/GUT_PaletteWnd.h"
+#include "platform/GUT_TintWnd.h"
 
 #include <QAbstractItemModel>
 #include <QColorDialog>
@@ -12,6 +13,7 @@
 #include <QDockWidget>
 #include <QInputDialog>
 #include <QListView>
+#include <QSpinBox>
 
 namespace {
 
@@ -176,6 +178,68 @@ TEST_F(PaletteDockTest, DuplicateRenameDeleteAndFlavors) {
     ASSERT_TRUE(Run(kCmdEditUndo));
     ASSERT_TRUE(Run(kCmdEditUndo));
     EXPECT_EQ(Palettes(), palettes);
+    EXPECT_TRUE(StateOf(Set()) == before);
+}
+
+TEST_F(PaletteDockTest, MoveAndTint) {
+    const SetState before = StateOf(Set());
+    CM_Palette& palette = *Panel().CurrentPalette();
+    const UT_UniqueId first = palette.GetEntry(0)->GetId();
+    EXPECT_FALSE(Enabled(kCmdColourMoveBack)) << "nothing selected";
+    Panel().SelectEntry(first);
+    EXPECT_FALSE(Enabled(kCmdColourMoveBack)) << "first already";
+    ASSERT_TRUE(Run(kCmdColourMoveForward));
+    ASSERT_TRUE(Run(kCmdColourMoveForward));
+    EXPECT_EQ(palette.GetEntry(2)->GetId(), first);
+    EXPECT_EQ(Swatch(2), "Color 1");
+    EXPECT_EQ(SelectedRow(), 2) << "the selection goes with the color";
+
+    // Half way to white, into a new flavor that is then in force; the old one keeps its colors.
+    auto tint = [](const QString& name) {
+        return [=](QWidget* modal) {
+            auto* window = dynamic_cast<GUT_TintWnd*>(modal);
+            ASSERT_NE(window, nullptr) << modal->windowTitle().toStdString();
+            window->KindField()->setCurrentIndex(GUT_TintWnd::kBlend);
+            EXPECT_EQ(window->AmountField()->value(), 50);
+            window->SetBlendColor(Qt::white);
+            window->NewFlavorField()->setText(name);
+            ModalScript::Accept(window);
+        };
+    };
+    {
+        ModalScript script;
+        script.Then(tint("Day"));
+        ASSERT_TRUE(Run(kCmdFlavourTint));
+    }
+    ASSERT_EQ(Panel().FlavourBox()->count(), 2);
+    EXPECT_EQ(Panel().FlavourBox()->currentText(), "Day");
+    // Color 2 stands first now: red, half way to white.
+    EXPECT_EQ(Swatch(0), "Color 2");
+    const auto* red = dynamic_cast<const CM_Color*>(palette.GetEntry(0));
+    ASSERT_NE(red, nullptr);
+    const BM_Rgba tinted = CM_Tint::Blend({255, 255, 255, 255}, 50).Apply({255, 0, 0, 255});
+    EXPECT_EQ(red->Stops().front().colour, tinted);
+    EXPECT_GT(tinted.g, 100);
+    EXPECT_TRUE(Enabled(kCmdFlavourDelete));
+
+    // The same name again is refused, and the window stays until Cancel.
+    messages.messages.clear();
+    {
+        ModalScript script;
+        script.Then(tint("Day")).Then([](QWidget* modal) { ModalScript::Reject(modal); });
+        EXPECT_FALSE(Run(kCmdFlavourTint));
+    }
+    EXPECT_EQ(messages.messages.size(), 1u);
+    EXPECT_EQ(Panel().FlavourBox()->count(), 2);
+
+    // The first flavor again: its colors are as they were.
+    Panel().SwitchFlavour(0);
+    EXPECT_EQ(dynamic_cast<const CM_Color*>(palette.GetEntry(0))->Stops().front().colour,
+              (BM_Rgba{255, 0, 0, 255}));
+    for (int i = 0; i < 4; ++i)
+        ASSERT_TRUE(Run(kCmdEditUndo)) << i;
+    EXPECT_EQ(Panel().FlavourBox()->count(), 1);
+    EXPECT_EQ(Swatch(0), "Color 1");
     EXPECT_TRUE(StateOf(Set()) == before);
 }
 
