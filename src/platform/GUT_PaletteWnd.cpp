@@ -463,7 +463,6 @@ bool GUT_PaletteWnd::MoveColour(int by) {
     return Run(command, CM_MoveEntryCommand::kName);
 }
 
-// The message for a flavour name the palette has already, else empty.
 UT_WString GUT_PaletteWnd::CheckFlavourName(const UT_WString& name) const {
     const CM_Palette* palette = CurrentPalette();
     if (!palette || !palette->HasStyleNamed(name))

@@ -73,6 +73,7 @@ private:
     class SwatchModelImpl;
 
     CM_PaletteList* List() const;
+    // The message for a flavour name that the palette shown has already, else empty.
     UT_WString CheckFlavourName(const UT_WString& name) const;
     bool Run(UT_Command& command, const char16_t* name);
     void Reload();
