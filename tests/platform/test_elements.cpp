@@ -46,6 +46,10 @@ protected:
         const AS_DopeSheetLevelObj* level = Elements().Current();
         return level ? QString::fromStdU16String(level->GetDisplayName()) : QString();
     }
+    bool Enabled(uint32_t id) const {
+        QApplication::processEvents();
+        return Frame().Action(id)->isEnabled();
+    }
     // A click on the row header of the timeline.
     void ClickRow(int row) const {
         GUT_TimelineWnd& timeline = *Frame().Timeline();
@@ -139,6 +143,36 @@ TEST_F(ElementMenuTest, AddRenameCloneChangeAndDeleteUndoToTheSameBytes) {
     Repeat(kCmdEditRedo, 5);
     EXPECT_EQ(Rows(), after);
     EXPECT_TRUE(StateOf(Set()) == changed);
+}
+
+TEST_F(ElementMenuTest, NoteAndRowMovesInTheDrawingOrder) {
+    ASSERT_TRUE(Run(kCmdElementNewDrawing));
+    const uint32_t added = Elements().Current()->GetId();
+    {
+        ModalScript script;
+        script.Then(Answer("Element Note", "Keep the arm\nbehind the body"));
+        ASSERT_TRUE(Run(kCmdElementNote));
+    }
+    EXPECT_EQ(Scene().FindElement(added)->GetNote(), u"Keep the arm\nbehind the body");
+
+    // The new row is the last one: it moves up past the row above it, and no further down.
+    const int row = Cell().LevelIndex();
+    ASSERT_EQ(row + 1, static_cast<int>(Rows().size()));
+    EXPECT_FALSE(Enabled(kCmdElementMoveDown));
+    const QString above = Rows().at(row - 1);
+    const QString name = CurrentName();
+    ASSERT_TRUE(Run(kCmdElementMoveUp));
+    EXPECT_EQ(CurrentName(), name);
+    EXPECT_EQ(Rows().at(row - 1), name);
+    EXPECT_EQ(Rows().at(row), above);
+    EXPECT_EQ(Cell().LevelIndex(), row - 1) << "the cell goes with the element";
+    EXPECT_EQ(Scene().DrawingOrder().FindRow(added), row - 1);
+
+    ASSERT_TRUE(Run(kCmdEditUndo));
+    EXPECT_EQ(Rows().at(row), name);
+    EXPECT_EQ(Rows().at(row - 1), above);
+    ASSERT_TRUE(Run(kCmdEditUndo));
+    EXPECT_TRUE(Scene().FindElement(added)->GetNote().empty());
 }
 
 TEST_F(ElementMenuTest, SceneplanningTreeReparentMoveAndDeleteWithChildren) {
