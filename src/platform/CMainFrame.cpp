@@ -1,11 +1,18 @@
 #include "platform/CMainFrame.h"
 
+#include "animationset/AS_CellIteratorObservable.h"
 #include "animationset/AS_DopeSheetNotifProxy.h"
 #include "animationset/CAnimationSetObj.h"
+#include "core/PR_Preferences.h"
 #include "platform/GUT_Commands.h"
+#include "platform/GUT_ElementCommands.h"
+#include "platform/GUT_PaletteWnd.h"
+#include "platform/GUT_Playback.h"
+#include "platform/GUT_PlaybackToolBar.h"
 #include "platform/GUT_SceneListWnd.h"
 #include "platform/GUT_SceneOverview.h"
 #include "platform/GUT_StringTable.h"
+#include "platform/GUT_TimelineWnd.h"
 #include "platform/detail/GUT_Qt.h"
 
 #include <QAction>
@@ -20,6 +27,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QSplitter>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QUrl>
@@ -27,14 +35,39 @@
 
 namespace {
 
+using Playback = CInteractivePlaybackControl;
+
 constexpr uint32_t kSeparator = 0;
 // Where the recent files list goes in a menu.
 constexpr uint32_t kRecentFiles = 1;
+// Where a submenu goes.
+constexpr uint32_t kNewElementMenu = 2;
+constexpr uint32_t kFrameRateMenu = 3;
 
 struct MenuDefinition {
     const char* title;
     std::vector<uint32_t> items;
 };
+
+// The submenu of an item, or nullptr for a command.
+const MenuDefinition* Submenu(uint32_t id) {
+    static const MenuDefinition newElement{"&New Element",
+                                           {kCmdElementNewDrawing, kCmdElementNewImage, kCmdElementNewSound,
+                                            kCmdElementNewMedia, kSeparator, kCmdElementNewPeg,
+                                            kCmdElementNewCamera}};
+    static const MenuDefinition frameRate{"Frame &Rate",
+                                          {Playback::kUseSetRate, kSeparator, Playback::kRate1,
+                                           Playback::kRate2, Playback::kRate12, Playback::kRate24,
+                                           Playback::kRate30}};
+    switch (id) {
+    case kNewElementMenu:
+        return &newElement;
+    case kFrameRateMenu:
+        return &frameRate;
+    default:
+        return nullptr;
+    }
+}
 
 // Menu 130, shown while no document is open.
 const std::vector<MenuDefinition>& NoDocumentMenu() {
@@ -54,11 +87,43 @@ const std::vector<MenuDefinition>& DocumentMenu() {
           kCmdFileSaveGlobalLibrary, kSeparator, kCmdFileProperties, kSeparator, kRecentFiles, kSeparator,
           kCmdAppExit}},
         {"&Edit", {kCmdEditUndo, kCmdEditRedo, kSeparator, kCmdEditPreferences}},
-        {"&View", {kCmdDrawingMode, kCmdSceneplanningMode, kSeparator, kCmdViewSceneList}},
+        {"&View", {kCmdDrawingMode, kCmdSceneplanningMode, kSeparator, kCmdViewSceneList, kCmdViewPalettes}},
         {"&Scene", {kCmdSceneAdd, kCmdSceneDelete, kCmdSceneRename, kCmdSceneToggleVisibility}},
+        {"E&lement",
+         {kNewElementMenu, kSeparator, kCmdElementRename, kCmdElementNote, kCmdElementProperties, kSeparator,
+          kCmdElementClone, kCmdElementDelete, kSeparator, kCmdElementParent, kCmdElementMoveUp,
+          kCmdElementMoveDown}},
+        {"E&xposure",
+         {kCmdCellEdit, kSeparator, kCmdCellClear, kCmdCellRemove, kCmdCellInsert, kSeparator, kCmdCellOnes,
+          kCmdCellTwos, kCmdCellThrees, kSeparator, kCmdCellExtendRun, kCmdCellShortenRun}},
+        {"&Palette",
+         {kCmdPaletteNew, kCmdPaletteDuplicate, kCmdPaletteRename, kCmdPaletteDelete, kSeparator,
+          kCmdColourNew, kCmdColourEdit, kCmdColourRename, kCmdColourDelete, kCmdColourMoveBack,
+          kCmdColourMoveForward, kSeparator, kCmdFlavourTint, kCmdFlavourRename, kCmdFlavourDelete}},
+        {"Pl&ay",
+         {Playback::kPlay, Playback::kStop, kSeparator, Playback::kFirstFrame, Playback::kPrevFrame,
+          Playback::kNextFrame, Playback::kLastFrame, kSeparator, Playback::kToggleLoop, kCmdPlayRangeMode,
+          kCmdPlaySetRange, kCmdPlayClearRange, kSeparator, kFrameRateMenu}},
         {"&Help", {kCmdHelpAbout}},
     };
     return menu;
+}
+
+// The menus of the timeline: of the row headers, and of the cells.
+const std::vector<uint32_t>& HeaderMenu() {
+    static const std::vector<uint32_t> items{kCmdElementRename,   kCmdElementNote,   kCmdElementProperties,
+                                             kSeparator,          kCmdElementClone,  kCmdElementDelete,
+                                             kSeparator,          kCmdElementParent, kCmdElementMoveUp,
+                                             kCmdElementMoveDown, kSeparator,        kNewElementMenu};
+    return items;
+}
+
+const std::vector<uint32_t>& CellMenu() {
+    static const std::vector<uint32_t> items{
+        kCmdCellEdit,       kSeparator,   kCmdCellClear,   kCmdCellRemove, kCmdCellInsert,
+        kSeparator,         kCmdCellOnes, kCmdCellTwos,    kCmdCellThrees, kCmdCellExtendRun,
+        kCmdCellShortenRun, kSeparator,   kCmdPlaySetRange};
+    return items;
 }
 
 QString ProgramTitle() {
@@ -88,10 +153,24 @@ CMainFrame::CMainFrame(GUT_AcceleratorTable& accelerators) : accelerators_(accel
     start->setText(gut::Tr("Create an animation set with File > New, or open one with File > Open or by "
                            "dropping its project file here."));
     startPage_ = start;
-    overview_ = new GUT_SceneOverview(stack_);
+    // The stage above the timeline.
+    documentView_ = new QSplitter(Qt::Vertical, stack_);
+    overview_ = new GUT_SceneOverview(documentView_);
+    timeline_ = new GUT_TimelineWnd(documentView_);
+    documentView_->addWidget(overview_);
+    documentView_->addWidget(timeline_);
+    documentView_->setStretchFactor(0, 3);
+    documentView_->setStretchFactor(1, 2);
+    documentView_->setChildrenCollapsible(false);
     stack_->addWidget(startPage_);
-    stack_->addWidget(overview_);
+    stack_->addWidget(documentView_);
     setCentralWidget(stack_);
+    elements_ = std::make_unique<GUT_ElementCommands>(this);
+    timeline_->SetElementCommands(elements_.get());
+    timeline_->onContextMenu = [this](const QPoint& where, bool onHeader) {
+        const std::unique_ptr<QMenu> menu(MakeContextMenu(onHeader));
+        menu->exec(where);
+    };
 
     sceneList_ = new GUT_SceneListWnd;
     sceneDock_ = new QDockWidget(gut::Tr("Scenes"), this);
@@ -101,15 +180,44 @@ CMainFrame::CMainFrame(GUT_AcceleratorTable& accelerators) : accelerators_(accel
     sceneDock_->hide();
     connect(sceneDock_, &QDockWidget::visibilityChanged, this, &CMainFrame::UpdateCommands);
 
+    palettes_ = new GUT_PaletteWnd;
+    palettes_->onChanged = [this] { ScheduleUpdate(); };
+    paletteDock_ = new QDockWidget(gut::Tr("Palettes"), this);
+    paletteDock_->setObjectName(QStringLiteral("PaletteDock"));
+    paletteDock_->setWidget(palettes_);
+    addDockWidget(Qt::RightDockWidgetArea, paletteDock_);
+    paletteDock_->hide();
+    connect(paletteDock_, &QDockWidget::visibilityChanged, this, &CMainFrame::UpdateCommands);
+
+    playbackBar_ = new GUT_PlaybackToolBar(this);
+    playbackBar_->onChanged = [this] { ScheduleUpdate(); };
+    addToolBar(Qt::TopToolBarArea, playbackBar_);
+    playbackBar_->hide();
+    playback_ = std::make_unique<GUT_Playback>(*playbackBar_, PR_Preferences::Instance().Store());
+    playback_->onPlaying = [this](bool playing) {
+        timeline_->SetPlaying(playing);
+        UpdateCommands();
+    };
+    playback_->onIdleWork = [this] { UpdateCommands(); };
+
     MakeActions();
+    const auto actionOf = [this](uint32_t id) { return Action(id); };
+    playbackBar_->SetActions(actionOf);
+    palettes_->SetActions(actionOf);
     ShowMenu(kMenuNoDocument);
     UpdateTitle();
+    AS_CellIteratorObservable::Instance().Attach(this);
 }
 
 CMainFrame::~CMainFrame() {
+    AS_CellIteratorObservable::Instance().Detach(this);
+    // Playback ends before the views it moves go.
+    playback_.reset();
     if (set_)
         set_->NotifProxy().Detach(this);
+    timeline_->SetSet(nullptr);
     sceneList_->SetSet(nullptr);
+    palettes_->SetSet(nullptr);
 }
 
 void CMainFrame::MakeActions() {
@@ -118,6 +226,11 @@ void CMainFrame::MakeActions() {
         action->setData(command.id);
         connect(action, &QAction::triggered, this, [this, id = command.id] { ExecuteCommand(id); });
         actions_[command.id] = action;
+        if (GUT_IsTimelineCommand(command.id)) {
+            // Their keys work while the timeline has the focus.
+            action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+            timeline_->addAction(action);
+        }
     }
     for (uint32_t id = kCmdRecentFileFirst; id <= kCmdRecentFileLast; ++id) {
         auto* action = new QAction(this);
@@ -134,15 +247,9 @@ void CMainFrame::SetCommandTargets(GUT_CommandTarget* document, GUT_CommandTarge
     UpdateCommands();
 }
 
-void CMainFrame::SetActiveView(GUT_CommandTarget* view) {
-    activeView_ = view;
-    UpdateCommands();
-}
-
 std::vector<GUT_CommandTarget*> CMainFrame::Targets() {
-    std::vector<GUT_CommandTarget*> targets;
-    for (GUT_CommandTarget* target :
-         {activeView_, document_, static_cast<GUT_CommandTarget*>(this), application_})
+    std::vector<GUT_CommandTarget*> targets = views_;
+    for (GUT_CommandTarget* target : {document_, static_cast<GUT_CommandTarget*>(this), application_})
         if (target)
             targets.push_back(target);
     return targets;
@@ -199,33 +306,49 @@ QMenu* CMainFrame::MakeRecentMenu(QWidget* parent) {
     return menu;
 }
 
+void CMainFrame::AddMenuItems(QMenu* popup, const std::vector<uint32_t>& items) {
+    connect(popup, &QMenu::aboutToShow, this, &CMainFrame::UpdateCommands);
+    bool separatorDue = false;
+    for (const uint32_t id : items) {
+        if (id == kSeparator) {
+            separatorDue = !popup->isEmpty();
+            continue;
+        }
+        if (removed_.count(id))
+            continue;
+        if (separatorDue)
+            popup->addSeparator();
+        separatorDue = false;
+        if (id == kRecentFiles) {
+            popup->addMenu(MakeRecentMenu(popup));
+        } else if (const MenuDefinition* submenu = Submenu(id)) {
+            AddMenuItems(popup->addMenu(gut::Tr(submenu->title)), submenu->items);
+        } else {
+            popup->addAction(actions_.at(id));
+        }
+    }
+}
+
 void CMainFrame::ShowMenu(MenuId menu) {
     menu_ = menu;
     auto* bar = new QMenuBar(this);
     for (const MenuDefinition& definition : menu == kMenuDocument ? DocumentMenu() : NoDocumentMenu()) {
         QMenu* popup = bar->addMenu(gut::Tr(definition.title));
-        connect(popup, &QMenu::aboutToShow, this, &CMainFrame::UpdateCommands);
-        bool separatorDue = false;
-        for (const uint32_t id : definition.items) {
-            if (id == kSeparator) {
-                separatorDue = !popup->isEmpty();
-            } else if (!removed_.count(id)) {
-                if (separatorDue)
-                    popup->addSeparator();
-                separatorDue = false;
-                if (id == kRecentFiles) {
-                    popup->addMenu(MakeRecentMenu(popup));
-                } else {
-                    popup->addAction(actions_.at(id));
-                }
-            }
-        }
+        AddMenuItems(popup, definition.items);
         if (popup->isEmpty())
             bar->removeAction(popup->menuAction());
     }
     // The old bar goes with its menus; the actions stay with the window.
     setMenuBar(bar);
     UpdateCommands();
+}
+
+QMenu* CMainFrame::MakeContextMenu(bool onHeader) {
+    auto* menu = new QMenu(this);
+    menu->setObjectName(onHeader ? QStringLiteral("ElementMenu") : QStringLiteral("CellMenu"));
+    AddMenuItems(menu, onHeader ? HeaderMenu() : CellMenu());
+    UpdateCommands();
+    return menu;
 }
 
 void CMainFrame::RemoveCommand(uint32_t id) {
@@ -286,10 +409,15 @@ void CMainFrame::SetSceneplanningMode(bool on) {
     if (set_)
         set_->SetSceneplanningMode(on);
     overview_->SetSceneplanningMode(on);
+    // The current cell stands in the other order now: every view of it hears so.
+    timeline_->Reload();
+    if (set_)
+        AS_CellIteratorObservable::Instance().NotifyMove(this);
     ApplyAccelerators();
 }
 
 void CMainFrame::AttachViews(CAnimationSetObj* set) {
+    playback_->SetSet(nullptr);
     if (set_)
         set_->NotifProxy().Detach(this);
     set_ = set;
@@ -297,37 +425,53 @@ void CMainFrame::AttachViews(CAnimationSetObj* set) {
     set_->NotifProxy().Attach(this);
     overview_->SetSet(set);
     overview_->SetSceneplanningMode(sceneplanning_);
-    stack_->setCurrentWidget(overview_);
+    timeline_->SetSet(set);
+    elements_->SetSet(set);
+    stack_->setCurrentWidget(documentView_);
     sceneList_->SetSet(set);
     sceneDock_->show();
-    // The scene list is the view that takes the scene commands.
-    SetActiveView(sceneList_);
+    palettes_->SetSet(set);
+    paletteDock_->show();
+    playback_->SetSet(set);
+    playbackBar_->show();
+    views_ = {sceneList_, timeline_, elements_.get(), palettes_, playback_.get()};
+    UpdateCommands();
 }
 
 void CMainFrame::DetachViews() {
+    // Playback ends before the set it plays goes.
+    playback_->SetSet(nullptr);
+    playbackBar_->hide();
     if (set_)
         set_->NotifProxy().Detach(this);
     set_ = nullptr;
-    SetActiveView(nullptr);
+    views_.clear();
+    timeline_->SetSet(nullptr);
+    elements_->SetSet(nullptr);
     sceneList_->SetSet(nullptr);
     sceneDock_->hide();
+    palettes_->SetSet(nullptr);
+    paletteDock_->hide();
     overview_->SetSet(nullptr);
     stack_->setCurrentWidget(startPage_);
     documentName_.clear();
     setWindowModified(false);
     UpdateTitle();
+    UpdateCommands();
 }
 
 void CMainFrame::RefreshViews() {
     overview_->update();
+    timeline_->Reload();
 }
 
 bool CMainFrame::UpdateCommand(uint32_t id, State& state) {
     switch (id) {
     case kCmdViewSceneList:
+    case kCmdViewPalettes:
         state.enabled = set_ != nullptr;
         state.checkable = true;
-        state.checked = !sceneDock_->isHidden();
+        state.checked = !(id == kCmdViewSceneList ? sceneDock_ : paletteDock_)->isHidden();
         return true;
     case kCmdDrawingMode:
     case kCmdSceneplanningMode:
@@ -351,6 +495,9 @@ bool CMainFrame::OnCommand(uint32_t id) {
     case kCmdViewSceneList:
         sceneDock_->setVisible(sceneDock_->isHidden());
         return true;
+    case kCmdViewPalettes:
+        paletteDock_->setVisible(paletteDock_->isHidden());
+        return true;
     default:
         return false;
     }
@@ -358,8 +505,10 @@ bool CMainFrame::OnCommand(uint32_t id) {
 
 void CMainFrame::DopeSheetChanged(const void*, const AS_DopeSheetUpdateData&) {
     overview_->update();
-    // A command tells of its change before the history records it: the menus follow
-    // once the change is complete.
+    ScheduleUpdate();
+}
+
+void CMainFrame::ScheduleUpdate() {
     if (!updatePending_) {
         updatePending_ = true;
         QTimer::singleShot(0, this, [this] {
@@ -369,8 +518,15 @@ void CMainFrame::DopeSheetChanged(const void*, const AS_DopeSheetUpdateData&) {
     }
 }
 
+void CMainFrame::CellIteratorChanged(const void*, const AS_CellIteratorObserverData& data) {
+    // Playback tells when it starts and ends; its frames change no command.
+    if (data.code != AS_CellIteratorObserverData::kPlaybackFrame)
+        ScheduleUpdate();
+}
+
 void CMainFrame::DopeSheetObservableGone(const void*) {
     set_ = nullptr;
+    views_.clear();
     overview_->SetSet(nullptr);
 }
 

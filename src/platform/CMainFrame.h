@@ -1,5 +1,6 @@
 #pragma once
 
+#include "animationset/AS_CellIteratorObservable.h"
 #include "animationset/AS_DopeSheetObservable.h"
 #include "animationset/DC_Command.h"
 #include "core/UT_FilePath.h"
@@ -9,26 +10,36 @@
 #include <QMainWindow>
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
 class CAnimationSetObj;
+class GUT_ElementCommands;
+class GUT_PaletteWnd;
+class GUT_Playback;
+class GUT_PlaybackToolBar;
 class GUT_SceneListWnd;
 class GUT_SceneOverview;
+class GUT_TimelineWnd;
 class QAction;
 class QDockWidget;
 class QMenu;
+class QSplitter;
 class QStackedWidget;
 
 // The main window: the menu bar of the state (no document or a document), the commands
 // with their shortcuts, the mode, the title, the views of the open document, and the
-// project files dropped on it. Commands go to the active view, the document, the window
-// itself and the application, in this order. The window follows the changes of the
-// open set, and switches the mode when an undo or redo goes back to the other one.
+// project files dropped on it. The views of a document are the stage above the timeline,
+// the scene list and the palettes beside them, and the playback toolbar. Commands go to
+// the views, the document, the window itself and the application, in this order. The
+// window follows the changes of the open set, and switches the mode when an undo or redo
+// goes back to the other one.
 class CMainFrame : public QMainWindow,
                    public GUT_CommandTarget,
                    public AS_DopeSheetObserverInterface,
+                   public AS_CellIteratorObserverInterface,
                    public DC_ModeCommandTarget {
 public:
     enum MenuId { kMenuNoDocument = 130, kMenuDocument = 133 };
@@ -36,11 +47,8 @@ public:
     explicit CMainFrame(GUT_AcceleratorTable& accelerators);
     ~CMainFrame() override;
 
-    // The targets after the active view and before and after the window itself.
+    // The targets after the views and before and after the window itself.
     void SetCommandTargets(GUT_CommandTarget* document, GUT_CommandTarget* application);
-    // The view that is asked first; nullptr for none.
-    void SetActiveView(GUT_CommandTarget* view);
-    GUT_CommandTarget* ActiveView() const { return activeView_; }
 
     // Runs a command through the targets; false when none handled it or it is disabled.
     bool ExecuteCommand(uint32_t id);
@@ -74,8 +82,18 @@ public:
     // Redraws the views after a change of the set or of the preferences.
     void RefreshViews();
     GUT_SceneOverview* Overview() const { return overview_; }
+    GUT_TimelineWnd* Timeline() const { return timeline_; }
+    GUT_ElementCommands* Elements() const { return elements_.get(); }
     GUT_SceneListWnd* SceneList() const { return sceneList_; }
     QDockWidget* SceneListDock() const { return sceneDock_; }
+    GUT_PaletteWnd* Palettes() const { return palettes_; }
+    QDockWidget* PaletteDock() const { return paletteDock_; }
+    GUT_PlaybackToolBar* PlaybackBar() const { return playbackBar_; }
+    GUT_Playback* Playback() const { return playback_.get(); }
+
+    // The menu of the timeline's row headers (the element's commands) or of its cells
+    // (the cell commands, then the element's), up to date. The caller owns it.
+    QMenu* MakeContextMenu(bool onHeader);
 
     // The window's size and place as text for the settings, and back.
     std::string SavedPlacement() const;
@@ -95,6 +113,8 @@ public:
     bool OnCommand(uint32_t id) override;
     void DopeSheetChanged(const void* sender, const AS_DopeSheetUpdateData& data) override;
     void DopeSheetObservableGone(const void* observable) override;
+    // A move of the current cell changes what the cell commands and their keys can do.
+    void CellIteratorChanged(const void* sender, const AS_CellIteratorObserverData& data) override;
     void OnModeCommand(CAnimationSetObj& set, uint32_t commandId) override;
 
 protected:
@@ -105,7 +125,11 @@ protected:
 private:
     void MakeActions();
     QMenu* MakeRecentMenu(QWidget* parent);
+    void AddMenuItems(QMenu* popup, const std::vector<uint32_t>& items);
     void UpdateTitle();
+    // The menus follow a change once it is complete: a command tells of its change
+    // before the history records it.
+    void ScheduleUpdate();
     std::vector<GUT_CommandTarget*> Targets();
 
     GUT_AcceleratorTable& accelerators_;
@@ -113,15 +137,23 @@ private:
     std::vector<QAction*> recentActions_;
     std::vector<UT_FilePath> recentFiles_;
     std::set<uint32_t> removed_;
-    GUT_CommandTarget* activeView_ = nullptr;
+    // The views asked first, while a document is open.
+    std::vector<GUT_CommandTarget*> views_;
     GUT_CommandTarget* document_ = nullptr;
     GUT_CommandTarget* application_ = nullptr;
     MenuId menu_ = kMenuNoDocument;
     QStackedWidget* stack_ = nullptr;
     QWidget* startPage_ = nullptr;
+    QSplitter* documentView_ = nullptr;
     GUT_SceneOverview* overview_ = nullptr;
+    GUT_TimelineWnd* timeline_ = nullptr;
+    std::unique_ptr<GUT_ElementCommands> elements_;
     GUT_SceneListWnd* sceneList_ = nullptr;
     QDockWidget* sceneDock_ = nullptr;
+    GUT_PaletteWnd* palettes_ = nullptr;
+    QDockWidget* paletteDock_ = nullptr;
+    GUT_PlaybackToolBar* playbackBar_ = nullptr;
+    std::unique_ptr<GUT_Playback> playback_;
     CAnimationSetObj* set_ = nullptr;
     UT_WString documentName_;
     bool sceneplanning_ = false;

@@ -1,32 +1,35 @@
 #pragma once
 
+#include "animationset/AS_CellIteratorObservable.h"
+
+#include <QString>
 #include <QWidget>
 
 class CAnimationSetObj;
 
-// The current scene at a glance: its camera frame on the stage colour of the mode, and
-// its elements in the composition order of the mode with their colours and frames.
-// Drawing mode puts the elements beside the stage, Sceneplanning mode below it, as a
-// tree.
-class GUT_SceneOverview : public QWidget {
+// The current scene at a glance: its name and place in the sequence, and its camera frame
+// on the stage colour of the mode, with the frame of the current cell and the drawings
+// that the elements show at that frame. It follows the current cell, playback included.
+class GUT_SceneOverview : public QWidget, public AS_CellIteratorObserverInterface {
 public:
     explicit GUT_SceneOverview(QWidget* parent = nullptr);
+    ~GUT_SceneOverview() override;
 
     void SetSet(CAnimationSetObj* set);
     void SetSceneplanningMode(bool on);
     bool IsSceneplanningMode() const { return sceneplanning_; }
-    // The rectangles of the last paint, for the layout of each mode.
+    // The rectangle of the stage at the last paint.
     QRect StageRect() const { return stage_; }
-    QRect ElementsRect() const { return elements_; }
+    // What the stage says about the current frame: "Frame 3: Arm 2, Head 1".
+    QString ExposureText() const;
+
+    void CellIteratorChanged(const void* sender, const AS_CellIteratorObserverData& data) override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void Layout();
-
     CAnimationSetObj* set_ = nullptr;
     bool sceneplanning_ = false;
     QRect stage_;
-    QRect elements_;
 };

@@ -2,6 +2,7 @@
 
 #include "animationset/AS_CompositionOrder.h"
 #include "animationset/AS_DopeSheetNotifProxy.h"
+#include "animationset/AS_DrawingLevelObj.h"
 #include "animationset/CAnimationSetObj.h"
 #include "animationset/CDopeSheetObj.h"
 #include "animationset/DC_AddSceneCommand.h"
@@ -10,7 +11,6 @@
 #include "animationset/DC_ReorderScene.h"
 #include "animationset/DC_ToggleSceneVisibility.h"
 #include "core/PR_Preferences.h"
-#include "core/PR_UserColorSettings.h"
 #include "core/UT_MessageHandler.h"
 #include "platform/GUT_Commands.h"
 #include "platform/GUT_SceneListWnd.h"
@@ -32,41 +32,18 @@ namespace {
 
 constexpr int kMargin = 16;
 constexpr int kRowHeight = 24;
-constexpr int kIndent = 14;
-
-const char* KindName(uint32_t kind) {
-    switch (kind) {
-    case kLevelVectorDrawing:
-        return "Drawing";
-    case kLevelImage:
-        return "Image";
-    case kLevelSound:
-        return "Sound";
-    case kLevelPeg:
-        return "Peg";
-    case kLevelCamera:
-        return "Camera";
-    case kLevelMedia:
-        return "Media";
-    case kLevelEffect:
-        return "Effect";
-    case kLevelParamGroup:
-        return "Parameter group";
-    default:
-        return "Element";
-    }
-}
-
-QColor RecordColour(const PR_ColorRecord& record) {
-    return QColor(record.red, record.green, record.blue);
-}
 
 } // namespace
 
 GUT_SceneOverview::GUT_SceneOverview(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("SceneOverview"));
     setAutoFillBackground(true);
-    setMinimumSize(320, 240);
+    setMinimumSize(320, 160);
+    AS_CellIteratorObservable::Instance().Attach(this);
+}
+
+GUT_SceneOverview::~GUT_SceneOverview() {
+    AS_CellIteratorObservable::Instance().Detach(this);
 }
 
 void GUT_SceneOverview::SetSet(CAnimationSetObj* set) {
@@ -76,27 +53,34 @@ void GUT_SceneOverview::SetSet(CAnimationSetObj* set) {
 
 void GUT_SceneOverview::SetSceneplanningMode(bool on) {
     sceneplanning_ = on;
-    Layout();
     update();
 }
 
-void GUT_SceneOverview::Layout() {
-    const QRect area = rect().adjusted(kMargin, kMargin + 2 * kRowHeight, -kMargin, -kMargin);
-    if (sceneplanning_) {
-        const int stageHeight = area.height() * 11 / 20;
-        stage_ = QRect(area.left(), area.top(), area.width(), stageHeight);
-        elements_ = QRect(area.left(), stage_.bottom() + kMargin, area.width(),
-                          area.bottom() - stage_.bottom() - kMargin);
-    } else {
-        const int stageWidth = area.width() * 3 / 5;
-        stage_ = QRect(area.left(), area.top(), stageWidth, area.height());
-        elements_ = QRect(stage_.right() + kMargin, area.top(), area.right() - stage_.right() - kMargin,
-                          area.height());
+void GUT_SceneOverview::CellIteratorChanged(const void*, const AS_CellIteratorObserverData&) {
+    update();
+}
+
+QString GUT_SceneOverview::ExposureText() const {
+    const AS_CellIterator& cell = AS_CellIteratorObservable::Instance();
+    const CDopeSheetObj* scene = set_ ? set_->CurrentScene() : nullptr;
+    if (!scene || cell.Scene() != scene || !cell.Order())
+        return {};
+    QStringList shown;
+    const AS_CompositionOrder& order = *cell.Order();
+    for (int i = 0; i < order.GetShownCount(); ++i) {
+        const auto* level = dynamic_cast<const AS_DrawingLevelObj*>(order.GetLevel(i));
+        const uint32_t id = level ? level->DrawingIdAt(cell.Frame()) : AS_kInvalidId;
+        const AS_DopeSheetDrawingObj* drawing =
+            id != AS_kInvalidId && level->CommonDrawing() ? level->CommonDrawing()->FindDrawing(id) : nullptr;
+        if (drawing)
+            shown << gut::ToQt(level->GetDisplayName()) + QLatin1Char(' ') + gut::ToQt(drawing->GetName());
     }
+    const QString frame = gut::Tr("Frame %1").arg(cell.Frame() + 1);
+    return shown.isEmpty() ? frame : frame + QStringLiteral(": ") + shown.join(QStringLiteral(", "));
 }
 
 void GUT_SceneOverview::paintEvent(QPaintEvent*) {
-    Layout();
+    stage_ = rect().adjusted(kMargin, kMargin / 2 + 2 * kRowHeight + 4, -kMargin, -kMargin / 2);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const CDopeSheetObj* scene = set_ ? set_->CurrentScene() : nullptr;
@@ -149,52 +133,8 @@ void GUT_SceneOverview::paintEvent(QPaintEvent*) {
         painter.setPen(palette().color(QPalette::Text));
         painter.drawText(frame.adjusted(6, 4, -6, -4), Qt::AlignLeft | Qt::AlignTop,
                          QStringLiteral("%1 x %2").arg(set_->CameraWidth()).arg(set_->CameraHeight()));
-    }
-
-    // The elements in the order of the mode: colour, name (indented by depth in the
-    // tree), kind and a bar over their frames.
-    const AS_CompositionOrder& order =
-        sceneplanning_ ? static_cast<const AS_CompositionOrder&>(scene->SceneplanningOrder())
-                       : scene->DrawingOrder();
-    painter.fillRect(elements_, palette().color(QPalette::Base));
-    painter.setPen(palette().color(QPalette::Mid));
-    painter.drawRect(elements_.adjusted(0, 0, -1, -1));
-    int32_t end = 1;
-    for (int i = 0; i < order.GetShownCount(); ++i)
-        if (const AS_DopeSheetLevelObj* level = order.GetLevel(i))
-            end = std::max<int32_t>(end, level->GetFirstFrame() + static_cast<int32_t>(level->GetDuration()));
-    const int nameWidth = std::min(elements_.width() / 2, 220);
-    for (int i = 0; i < order.GetShownCount(); ++i) {
-        const AS_DopeSheetLevelObj* level = order.GetLevel(i);
-        if (!level)
-            continue;
-        const QRect row(elements_.left() + 4, elements_.top() + 4 + i * kRowHeight, elements_.width() - 8,
-                        kRowHeight - 2);
-        if (row.bottom() > elements_.bottom())
-            break;
-        const int depth = sceneplanning_ ? std::max(0, order.GetDepth(order.RowOfShownIndex(i)) - 1) : 0;
-        const QColor colour = RecordColour(set_->UserColors().GetColor(PR_UserColorSettings::kElementColors,
-                                                                       {scene->SceneId(), level->GetId()},
-                                                                       level->GetKind(), preferences));
-        const QRect swatch(row.left() + depth * kIndent, row.top() + 4, row.height() - 8, row.height() - 8);
-        painter.fillRect(swatch, colour);
-        painter.setPen(palette().color(QPalette::Text));
-        painter.drawText(
-            QRect(swatch.right() + 6, row.top(), nameWidth - swatch.right() + row.left(), row.height()),
-            Qt::AlignLeft | Qt::AlignVCenter,
-            gut::ToQt(level->GetDisplayName()) + QStringLiteral("  (") + gut::Tr(KindName(level->GetKind())) +
-                QStringLiteral(")"));
-        const QRect track(row.left() + nameWidth, row.top() + 6, row.width() - nameWidth, row.height() - 12);
-        if (track.width() <= 0 || level->GetDuration() == 0)
-            continue;
-        const int left = track.left() + track.width() * level->GetFirstFrame() / end;
-        const int right =
-            track.left() +
-            track.width() * (level->GetFirstFrame() + static_cast<int32_t>(level->GetDuration())) / end;
-        painter.fillRect(QRect(left, track.top(), std::max(2, right - left), track.height()),
-                         colour.lighter(130));
-        painter.setPen(colour.darker(150));
-        painter.drawRect(QRect(left, track.top(), std::max(2, right - left), track.height()));
+        painter.drawText(frame.adjusted(6, 4, -6, -4), Qt::AlignLeft | Qt::AlignBottom | Qt::TextWordWrap,
+                         ExposureText());
     }
 }
 

@@ -10,13 +10,16 @@
 #include "animationset/FakeHosts.h"
 #include "core/PR_Preferences.h"
 #include "platform/CMainFrame.h"
+#include "platform/GUT_Commands.h"
 #include "platform/GUT_DesktopHost.h"
+#include "platform/GUT_NewAnimationWnd.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QTimer>
 #include <deque>
@@ -146,6 +149,20 @@ protected:
         Stop();
         UsePreferencesFile();
         Start();
+    }
+
+    // File > New with a name in the test's folder, answered as a user does.
+    void NewDocument(const char* name) {
+        ModalScript script;
+        script.Then([this, name](QWidget* modal) {
+            auto* window = dynamic_cast<GUT_NewAnimationWnd*>(modal);
+            ASSERT_NE(window, nullptr) << modal->windowTitle().toStdString();
+            window->NameField()->setText(QString::fromUtf8(name));
+            window->LocationField()->setText(QString::fromStdString(folder.Path().string()));
+            ModalScript::Accept(window);
+        });
+        ASSERT_TRUE(Run(kCmdFileNew));
+        ASSERT_NE(Document(), nullptr);
     }
 
     CMainFrame& Frame() const { return *host->Frame(); }

@@ -4,8 +4,11 @@
 #include "GuiTestSupport.h"
 #include "core/UT_FileOperations.h"
 #include "platform/GUT_Commands.h"
+#include "platform/GUT_ElementCommands.h"
 #include "platform/GUT_NewAnimationWnd.h"
 #include "platform/GUT_SceneOverview.h"
+#include "platform/GUT_TimelineWnd.h"
+#include "render/CInteractivePlaybackControl.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -88,12 +91,30 @@ TEST_F(MainFrameTest, MenuBarAndTitleFollowTheDocument) {
     NewProject("Reel");
     ASSERT_NE(Document(), nullptr);
     EXPECT_EQ(Frame().CurrentMenu(), CMainFrame::kMenuDocument);
-    EXPECT_EQ(MenuTitles(), (QStringList{"File", "Edit", "View", "Scene", "Help"}));
+    EXPECT_EQ(MenuTitles(), (QStringList{"File", "Edit", "View", "Scene", "Element", "Exposure", "Palette",
+                                         "Play", "Help"}));
     commands = MenuCommands();
-    for (uint32_t id :
-         {kCmdFileClose, kCmdFileSave, kCmdFileSaveAs, kCmdFileProperties, kCmdDrawingMode,
-          kCmdSceneplanningMode, kCmdFileSaveGlobalLibrary, kCmdEditUndo, kCmdEditRedo, kCmdViewSceneList,
-          kCmdSceneAdd, kCmdSceneDelete, kCmdSceneRename, kCmdSceneToggleVisibility})
+    for (uint32_t id : std::initializer_list<uint32_t>{kCmdFileClose,
+                                                       kCmdFileSave,
+                                                       kCmdFileSaveAs,
+                                                       kCmdFileProperties,
+                                                       kCmdDrawingMode,
+                                                       kCmdSceneplanningMode,
+                                                       kCmdFileSaveGlobalLibrary,
+                                                       kCmdEditUndo,
+                                                       kCmdEditRedo,
+                                                       kCmdViewSceneList,
+                                                       kCmdSceneAdd,
+                                                       kCmdSceneDelete,
+                                                       kCmdSceneRename,
+                                                       kCmdSceneToggleVisibility,
+                                                       kCmdElementNewDrawing,
+                                                       kCmdElementClone,
+                                                       kCmdCellTwos,
+                                                       kCmdColourNew,
+                                                       kCmdViewPalettes,
+                                                       uint32_t{CInteractivePlaybackControl::kPlay},
+                                                       uint32_t{CInteractivePlaybackControl::kRate24}})
         EXPECT_TRUE(commands.count(id)) << id;
     EXPECT_FALSE(Frame().Action(kCmdFileSaveGlobalLibrary)->isEnabled()); // no library window
     EXPECT_EQ(Frame().windowTitle(), "Reel[*] - Quilmoor Studio");
@@ -418,8 +439,19 @@ TEST_F(MainFrameTest, ModeSwitchSwapsShortcutsAndLayout) {
     EXPECT_TRUE(toDrawing->isChecked());
     EXPECT_EQ(toSceneplanning->shortcut(), QKeySequence(Qt::Key_F6));
     EXPECT_TRUE(toDrawing->shortcut().isEmpty());
-    frame.Overview()->repaint();
-    EXPECT_LT(frame.Overview()->StageRect().right(), frame.Overview()->ElementsRect().left());
+    // The timeline below the stage shows the order of the mode: pegs belong to the
+    // Sceneplanning order alone.
+    auto count = [&frame](uint32_t kind) {
+        const auto& rows = frame.Timeline()->Rows();
+        return std::count_if(rows.begin(), rows.end(), [kind](const auto& row) { return row.kind == kind; });
+    };
+    EXPECT_LT(frame.Overview()->geometry().bottom(), frame.Timeline()->geometry().top());
+    const auto drawings = count(kLevelVectorDrawing);
+    EXPECT_FALSE(Run(kCmdElementNewPeg));
+    ASSERT_TRUE(Run(kCmdElementNewDrawing));
+    EXPECT_EQ(count(kLevelVectorDrawing), drawings + 1);
+    EXPECT_EQ(count(kLevelPeg), 0);
+    const size_t drawingRows = frame.Timeline()->Rows().size();
 
     ASSERT_TRUE(Run(kCmdSceneplanningMode));
     EXPECT_TRUE(frame.IsSceneplanningMode());
@@ -427,8 +459,11 @@ TEST_F(MainFrameTest, ModeSwitchSwapsShortcutsAndLayout) {
     EXPECT_TRUE(toSceneplanning->isChecked());
     EXPECT_EQ(toDrawing->shortcut(), QKeySequence(Qt::Key_F6));
     EXPECT_TRUE(toSceneplanning->shortcut().isEmpty());
-    frame.Overview()->repaint();
-    EXPECT_LT(frame.Overview()->StageRect().bottom(), frame.Overview()->ElementsRect().top());
+    const auto pegs = count(kLevelPeg);
+    ASSERT_TRUE(Run(kCmdElementNewPeg));
+    EXPECT_EQ(count(kLevelPeg), pegs + 1);
+    EXPECT_EQ(count(kLevelVectorDrawing), drawings + 1);
+    EXPECT_GT(frame.Timeline()->Rows().size(), drawingRows);
 
     // Shortcuts common to both tables stay.
     EXPECT_EQ(frame.Action(kCmdFileSave)->shortcut(), QKeySequence(QKeySequence::fromString("Ctrl+S")));
@@ -439,6 +474,8 @@ TEST_F(MainFrameTest, ModeSwitchSwapsShortcutsAndLayout) {
     QTest::keyClick(&frame, Qt::Key_F6);
     EXPECT_FALSE(frame.IsSceneplanningMode());
     EXPECT_FALSE(Document()->Set()->IsSceneplanningMode());
+    EXPECT_EQ(frame.Timeline()->Rows().size(), drawingRows);
+    EXPECT_EQ(count(kLevelPeg), 0);
     QTest::keyClick(&frame, Qt::Key_F6);
     EXPECT_TRUE(frame.IsSceneplanningMode());
 }
@@ -447,11 +484,52 @@ TEST_F(MainFrameTest, ScreenshotOfAnOpenDocument) {
     Start();
     NewProject("Reel");
     CMainFrame& frame = Frame();
-    frame.resize(1100, 660);
+    frame.resize(1280, 760);
+    frame.show();
     ASSERT_TRUE(Run(kCmdSceneAdd));
     ASSERT_TRUE(Run(kCmdSceneAdd));
-    ASSERT_TRUE(Run(kCmdSceneplanningMode));
     QApplication::processEvents();
+
+    // A small demo made as a user makes it: drawings typed into the timeline and held on
+    // twos, an arm that hangs from a peg in the Sceneplanning tree.
+    GUT_TimelineWnd& timeline = *frame.Timeline();
+    auto type = [&timeline](int32_t frameIndex, int32_t row, const QString& name) {
+        QTest::mouseClick(timeline.viewport(), Qt::LeftButton, {},
+                          timeline.CellRect(frameIndex, row).center());
+        QTest::keyClicks(&timeline, name.left(1));
+        ASSERT_NE(timeline.Editor(), nullptr);
+        QTest::keyClicks(timeline.Editor(), name.mid(1));
+        QTest::keyClick(timeline.Editor(), Qt::Key_Return);
+    };
+    auto twos = [&](int32_t row, int32_t last) {
+        QTest::mouseClick(timeline.viewport(), Qt::LeftButton, {}, timeline.CellRect(0, row).center());
+        QTest::mouseClick(timeline.viewport(), Qt::LeftButton, Qt::ShiftModifier,
+                          timeline.CellRect(last, row).center());
+        ASSERT_TRUE(Run(kCmdCellTwos));
+    };
+    ASSERT_TRUE(Run(kCmdElementNewDrawing));
+    const uint32_t arm = frame.Elements()->Current()->GetId();
+    ASSERT_TRUE(frame.Elements()->Rename(arm, u"Arm"));
+    const int32_t armRow = AS_CellIteratorObservable::Instance().LevelIndex();
+    const int32_t bodyRow = armRow == 0 ? 1 : 0;
+    for (int32_t i = 0; i < 6; ++i)
+        type(i, bodyRow, QString::number(i + 1));
+    twos(bodyRow, 5);
+    for (int32_t i = 0; i < 4; ++i)
+        type(i, armRow, QStringLiteral("arm%1").arg(i + 1));
+    twos(armRow, 3);
+    ASSERT_TRUE(Run(kCmdSceneplanningMode));
+    ASSERT_TRUE(Run(kCmdElementNewPeg));
+    const uint32_t peg = frame.Elements()->Current()->GetId();
+    ASSERT_TRUE(frame.Elements()->Rename(peg, u"Shoulder"));
+    ASSERT_TRUE(frame.Elements()->Reparent(arm, peg));
+    AS_CellIteratorObservable& cell = AS_CellIteratorObservable::Instance();
+    cell.SetCell({4, cell.LevelIndex()});
+    cell.SelectCurrentCell();
+    cell.NotifyMove(nullptr);
+    QApplication::processEvents();
+    EXPECT_TRUE(frame.Overview()->ExposureText().startsWith("Frame 5: "))
+        << frame.Overview()->ExposureText().toStdString();
     const QImage image = frame.grab().toImage();
     ASSERT_FALSE(image.isNull());
     const QString path = QStringLiteral(QMS_TEST_OUTPUT_DIR "/qmstudio-main-window.png");

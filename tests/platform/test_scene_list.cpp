@@ -22,15 +22,7 @@ protected:
     void SetUp() override {
         ShellTest::SetUp();
         Start();
-        ModalScript script;
-        script.Then([this](QWidget* modal) {
-            auto* window = dynamic_cast<GUT_NewAnimationWnd*>(modal);
-            ASSERT_NE(window, nullptr);
-            window->NameField()->setText("Reel");
-            window->LocationField()->setText(QString::fromStdString(folder.Path().string()));
-            ModalScript::Accept(window);
-        });
-        ASSERT_TRUE(Run(kCmdFileNew));
+        NewDocument("Reel");
         ASSERT_TRUE(Run(kCmdFileSave));
     }
 
