@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QTimer>
@@ -67,6 +68,16 @@ public:
     }
     static void Reject(QWidget* modal) {
         Later([modal] { static_cast<QDialog*>(modal)->reject(); });
+    }
+    // Answers an input window (a name or a choice) titled `title` with `text`.
+    static Step Answer(const QString& title, const QString& text) {
+        return [=](QWidget* modal) {
+            auto* input = qobject_cast<QInputDialog*>(modal);
+            ASSERT_NE(input, nullptr) << modal->windowTitle().toStdString();
+            EXPECT_EQ(input->windowTitle(), title);
+            input->setTextValue(text);
+            Accept(input);
+        };
     }
 
 private:

@@ -62,17 +62,6 @@ protected:
         for (int i = 0; i < count; ++i)
             ASSERT_TRUE(Run(id)) << i;
     }
-
-    // Answers an input window (a name or a choice) with `text`.
-    static ModalScript::Step Answer(const QString& title, const QString& text) {
-        return [=](QWidget* modal) {
-            auto* input = qobject_cast<QInputDialog*>(modal);
-            ASSERT_NE(input, nullptr) << modal->windowTitle().toStdString();
-            EXPECT_EQ(input->windowTitle(), title);
-            input->setTextValue(text);
-            ModalScript::Accept(input);
-        };
-    }
 };
 
 TEST_F(ElementMenuTest, AddRenameCloneChangeAndDeleteUndoToTheSameBytes) {
@@ -88,7 +77,7 @@ TEST_F(ElementMenuTest, AddRenameCloneChangeAndDeleteUndoToTheSameBytes) {
 
     {
         ModalScript script;
-        script.Then(Answer("Rename Element", "Arm"));
+        script.Then(ModalScript::Answer("Rename Element", "Arm"));
         ASSERT_TRUE(Run(kCmdElementRename));
     }
     EXPECT_EQ(CurrentName(), "Arm");
@@ -150,7 +139,7 @@ TEST_F(ElementMenuTest, NoteAndRowMovesInTheDrawingOrder) {
     const uint32_t added = Elements().Current()->GetId();
     {
         ModalScript script;
-        script.Then(Answer("Element Note", "Keep the arm\nbehind the body"));
+        script.Then(ModalScript::Answer("Element Note", "Keep the arm\nbehind the body"));
         ASSERT_TRUE(Run(kCmdElementNote));
     }
     EXPECT_EQ(Scene().FindElement(added)->GetNote(), u"Keep the arm\nbehind the body");
@@ -194,7 +183,7 @@ TEST_F(ElementMenuTest, SceneplanningTreeReparentMoveAndDeleteWithChildren) {
 
     {
         ModalScript script;
-        script.Then(Answer("Change Parent", pegName));
+        script.Then(ModalScript::Answer("Change Parent", pegName));
         ASSERT_TRUE(Run(kCmdElementParent));
     }
     const AS_SPCompositionOrder& order = Scene().SceneplanningOrder();

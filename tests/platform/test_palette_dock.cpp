@@ -47,16 +47,6 @@ protected:
         QApplication::processEvents();
         return Frame().Action(id)->isEnabled();
     }
-
-    static ModalScript::Step Answer(const QString& title, const QString& text) {
-        return [=](QWidget* modal) {
-            auto* input = qobject_cast<QInputDialog*>(modal);
-            ASSERT_NE(input, nullptr) << modal->windowTitle().toStdString();
-            EXPECT_EQ(input->windowTitle(), title);
-            input->setTextValue(text);
-            ModalScript::Accept(input);
-        };
-    }
 };
 
 TEST_F(PaletteDockTest, PalettesAndColoursUndoToTheSameBytes) {
@@ -73,7 +63,7 @@ TEST_F(PaletteDockTest, PalettesAndColoursUndoToTheSameBytes) {
 
     {
         ModalScript script;
-        script.Then(Answer("New Palette", "Skin"));
+        script.Then(ModalScript::Answer("New Palette", "Skin"));
         ASSERT_TRUE(Run(kCmdPaletteNew));
     }
     EXPECT_EQ(Palettes(), QStringList(palettes) << "Skin");
@@ -151,7 +141,7 @@ TEST_F(PaletteDockTest, DuplicateRenameDeleteAndFlavors) {
 
     {
         ModalScript script;
-        script.Then(Answer("Rename Palette", "Night"));
+        script.Then(ModalScript::Answer("Rename Palette", "Night"));
         ASSERT_TRUE(Run(kCmdPaletteRename));
     }
     EXPECT_EQ(Palettes().at(1), "Night");
@@ -161,7 +151,7 @@ TEST_F(PaletteDockTest, DuplicateRenameDeleteAndFlavors) {
     EXPECT_FALSE(Enabled(kCmdFlavourDelete));
     {
         ModalScript script;
-        script.Then(Answer("Rename Flavor", "Moonlight"));
+        script.Then(ModalScript::Answer("Rename Flavor", "Moonlight"));
         ASSERT_TRUE(Run(kCmdFlavourRename));
     }
     EXPECT_EQ(Panel().FlavourBox()->currentText(), "Moonlight");
