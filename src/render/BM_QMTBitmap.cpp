@@ -9,6 +9,7 @@
 #include "render/BM_PixelMap.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 namespace {
@@ -56,6 +57,11 @@ void BM_QMTBitmap::Load(DB_Archive& archive) {
     // header describes, before anything is allocated.
     archive.RequireBytes(uint64_t(size) + 1);
     if (width < 0 || height < 0 || RecordBytes(depth, uint32_t(width), uint32_t(height)) > size)
+        archive.ThrowUnexpected();
+    // Every record ends as a 24 or 32-bit map: one that could not be held in memory is
+    // damage, even when it has no rows at all.
+    const uint64_t rgbaStride = BM_PixelRgba32::Stride(uint32_t(width));
+    if (rgbaStride > UINT32_MAX || rgbaStride * uint64_t(height) > UINT32_MAX)
         archive.ThrowUnexpected();
     std::unique_ptr<BM_Bitmap> map = MapForDepth(depth, uint32_t(width), uint32_t(height));
     archive.ReadRaw(map->Data(), map->Size());

@@ -184,6 +184,17 @@ TEST(QMTBitmap, DamagedRecordsThrow) {
         BM_QMTBitmap bitmap;
         EXPECT_THROW(LoadBytes(bitmap, bytes), DB_Exception);
     }
+    // A map too wide to hold once it is made 32 bits deep, though its record is empty.
+    for (int32_t depth : {0, 8, 16, 24, 32}) {
+        std::vector<uint8_t> bytes;
+        PutU32(bytes, 4);
+        PutU32(bytes, 0x7FFFFFFF);
+        PutU32(bytes, 0);
+        PutU32(bytes, uint32_t(depth));
+        bytes.insert(bytes.end(), 5, 0);
+        BM_QMTBitmap bitmap;
+        EXPECT_THROW(LoadBytes(bitmap, bytes), DB_Exception) << depth;
+    }
     // A size larger than the map: the rest is consumed, and what follows reads on.
     {
         std::vector<uint8_t> bytes;
