@@ -214,13 +214,13 @@ namespace {
 using Key = PR_Preferences::Key;
 
 // How the pages show a key: its label, and its choices when it takes one of a few values.
-struct FieldSpec {
+struct FieldLayout {
     const char* label;
     std::vector<const char*> choices = {};
     int64_t firstChoice = 0;
 };
 
-FieldSpec SpecOf(Key key) {
+FieldLayout LayoutOf(Key key) {
     switch (key) {
     case PR_Preferences::kFrameRate:
         return {"Frame rate (frames per second)"};
@@ -316,9 +316,9 @@ PR_PreferencePage::PR_PreferencePage(PR_Preferences& preferences, PR_Preferences
     : PR_PreferencePage(preferences, title) {
     page_ = page;
     for (const Key key : PR_Preferences::KeysOfPage(page)) {
-        const FieldSpec spec = SpecOf(key);
-        if (!spec.choices.empty()) {
-            AddChoice(key, spec.label, spec.choices, spec.firstChoice);
+        const FieldLayout layout = LayoutOf(key);
+        if (!layout.choices.empty()) {
+            AddChoice(key, layout.label, layout.choices, layout.firstChoice);
             continue;
         }
         FieldKind kind = FieldKind::kNumber;
@@ -339,7 +339,7 @@ PR_PreferencePage::PR_PreferencePage(PR_Preferences& preferences, PR_Preferences
         default:
             break;
         }
-        AddField(key, spec.label, kind);
+        AddField(key, layout.label, kind);
     }
 }
 
