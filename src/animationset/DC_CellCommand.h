@@ -5,6 +5,7 @@
 #include "animationset/DC_Command.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 // The cell records of one element from a frame on, as a command keeps them to put them
@@ -34,6 +35,9 @@ protected:
     CDopeSheetObj* FindScene() const;
     // The drawing or image element `id` of `scene` that is not removed, or null.
     static AS_DrawingLevelObj* FindCellLevel(const CDopeSheetObj& scene, uint32_t id);
+    // The level of every record of `cells`, in order; nothing when any of them is gone.
+    static std::optional<std::vector<AS_DrawingLevelObj*>>
+    FindCellLevels(const CDopeSheetObj& scene, const std::vector<DC_LevelCells>& cells);
     // With Notify set: the current cell takes `after`, when it stands in that scene and
     // order, and the record of category 3 and `code` goes out with it, naming the elements
     // of the selection and the first cell of each.

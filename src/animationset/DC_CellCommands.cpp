@@ -68,6 +68,18 @@ AS_DrawingLevelObj* DC_CellCommand::FindCellLevel(const CDopeSheetObj& scene, ui
     return dynamic_cast<AS_DrawingLevelObj*>(scene.FindElement(id));
 }
 
+std::optional<std::vector<AS_DrawingLevelObj*>>
+DC_CellCommand::FindCellLevels(const CDopeSheetObj& scene, const std::vector<DC_LevelCells>& cells) {
+    std::vector<AS_DrawingLevelObj*> levels;
+    for (const DC_LevelCells& record : cells) {
+        AS_DrawingLevelObj* level = FindCellLevel(scene, record.element);
+        if (!level)
+            return std::nullopt;
+        levels.push_back(level);
+    }
+    return levels;
+}
+
 void DC_CellCommand::SendCells(CDopeSheetObj& scene, uint32_t code, const DC_CellSelection& after) const {
     if (!Notifies())
         return;
@@ -105,12 +117,10 @@ std::unique_ptr<UT_Command> DC_ReplaceCellsCommand::Execute() {
     CDopeSheetObj* scene = FindScene();
     if (!scene)
         return nullptr;
-    std::vector<AS_DrawingLevelObj*> levels;
-    for (const DC_LevelCells& cells : cells_) {
-        levels.push_back(FindCellLevel(*scene, cells.element));
-        if (!levels.back())
-            return nullptr;
-    }
+    const std::optional<std::vector<AS_DrawingLevelObj*>> found = FindCellLevels(*scene, cells_);
+    if (!found)
+        return nullptr;
+    const std::vector<AS_DrawingLevelObj*>& levels = *found;
     std::vector<DC_LevelCells> old;
     for (size_t i = 0; i < cells_.size(); ++i) {
         const DC_LevelCells& cells = cells_[i];
@@ -234,12 +244,10 @@ std::unique_ptr<UT_Command> DC_AddCellsCommand::Execute() {
     CDopeSheetObj* scene = FindScene();
     if (!scene)
         return nullptr;
-    std::vector<AS_DrawingLevelObj*> levels;
-    for (const DC_LevelCells& cells : cells_) {
-        levels.push_back(FindCellLevel(*scene, cells.element));
-        if (!levels.back())
-            return nullptr;
-    }
+    const std::optional<std::vector<AS_DrawingLevelObj*>> found = FindCellLevels(*scene, cells_);
+    if (!found)
+        return nullptr;
+    const std::vector<AS_DrawingLevelObj*>& levels = *found;
     for (size_t i = 0; i < cells_.size(); ++i) {
         const DC_LevelCells& cells = cells_[i];
         if (shift_)
