@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -19,8 +20,9 @@ inline QmsResult RunQms(const std::string& arguments, const std::filesystem::pat
     const std::filesystem::path outFile = scratch / "stdout.txt";
     const std::filesystem::path errFile = scratch / "stderr.txt";
     // Settings go to the scratch folder, never to the user's own configuration.
-    const std::string command = "XDG_CONFIG_HOME='" + (scratch / "config").string() + "' " + QMS_BINARY + " " + arguments + " >" + outFile.string() + " 2>" +
-                                errFile.string() + " </dev/null";
+    const std::string command = "XDG_CONFIG_HOME='" + (scratch / "config").string() + "' " + QMS_BINARY +
+                                " " + arguments + " >" + outFile.string() + " 2>" + errFile.string() +
+                                " </dev/null";
     const int status = std::system(command.c_str());
     QmsResult result;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -45,8 +47,25 @@ public:
     }
     ~ScratchFolder() { std::filesystem::remove_all(path_); }
     const std::filesystem::path& Path() const { return path_; }
-    std::string Quoted(const std::string& relative = "") const { return "'" + (path_ / relative).string() + "'"; }
+    std::string Quoted(const std::string& relative = "") const {
+        return "'" + (path_ / relative).string() + "'";
+    }
 
 private:
     std::filesystem::path path_;
+};
+
+// A test over the project "Robot" that `qms new` makes in a fresh folder.
+class QmsRobotTest : public ::testing::Test {
+protected:
+    explicit QmsRobotTest(const std::string& folder) : dir(folder) {}
+    void SetUp() override { ASSERT_EQ(RunQms("new " + dir.Quoted() + " Robot", dir.Path()).exitCode, 0); }
+    // `qms COMMAND ROBOT.qmp REST`, where COMMAND may hold a verb.
+    QmsResult Run(const std::string& command, const std::string& rest) {
+        return RunQms(command + " " + dir.Quoted("Robot/Robot.qmp") + " " + rest, dir.Path());
+    }
+    std::filesystem::path Project() const { return dir.Path() / "Robot"; }
+    std::filesystem::path ProjectFile() const { return Project() / "Robot.qmp"; }
+
+    ScratchFolder dir;
 };

@@ -28,18 +28,11 @@ std::vector<int> FramesPlayed(const std::string& out) {
     return frames;
 }
 
-class QmsCellsTest : public ::testing::Test {
+class QmsCellsTest : public QmsRobotTest {
 protected:
-    void SetUp() override { ASSERT_EQ(RunQms("new " + dir.Quoted() + " Robot", dir.Path()).exitCode, 0); }
-    QmsResult Cells(const std::string& rest) {
-        return RunQms("cells " + dir.Quoted("Robot/Robot.qmp") + " Scene-1 Drawing " + rest, dir.Path());
-    }
-    QmsResult Play(const std::string& rest) {
-        return RunQms("play " + dir.Quoted("Robot/Robot.qmp") + " 1 " + rest, dir.Path());
-    }
-    fs::path ProjectFile() const { return dir.Path() / "Robot" / "Robot.qmp"; }
-
-    ScratchFolder dir{"cells"};
+    QmsCellsTest() : QmsRobotTest("cells") {}
+    QmsResult Cells(const std::string& rest) { return Run("cells", "Scene-1 Drawing " + rest); }
+    QmsResult Play(const std::string& rest) { return Run("play", "1 " + rest); }
 };
 
 TEST_F(QmsCellsTest, ExposureIsChangedSavedAndUndoneByTheNextCommand) {

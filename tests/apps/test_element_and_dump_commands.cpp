@@ -17,15 +17,12 @@ bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-class QmsElementTest : public ::testing::Test {
+class QmsElementTest : public QmsRobotTest {
 protected:
-    void SetUp() override { ASSERT_EQ(RunQms("new " + dir.Quoted() + " Robot", dir.Path()).exitCode, 0); }
+    QmsElementTest() : QmsRobotTest("element") {}
     QmsResult Element(const std::string& verb, const std::string& rest) {
-        return RunQms("element " + verb + " " + dir.Quoted("Robot/Robot.qmp") + " " + rest, dir.Path());
+        return Run("element " + verb, rest);
     }
-    fs::path Project() const { return dir.Path() / "Robot"; }
-
-    ScratchFolder dir{"element"};
 };
 
 TEST_F(QmsElementTest, ChangesGoThroughTheHistoryAndAreSaved) {

@@ -20,21 +20,22 @@ std::string IdAfter(const std::string& text, const std::string& before) {
     return at == std::string::npos ? std::string() : text.substr(at + before.size(), 16);
 }
 
-class QmsPaletteTest : public ::testing::Test {
+class QmsPaletteTest : public QmsRobotTest {
 protected:
+    QmsPaletteTest() : QmsRobotTest("palette") {}
     void SetUp() override {
-        ASSERT_EQ(RunQms("new " + dir.Quoted() + " Robot", dir.Path()).exitCode, 0);
+        QmsRobotTest::SetUp();
+        if (HasFatalFailure())
+            return;
         const QmsResult r = Palette("list", "");
         ASSERT_EQ(r.exitCode, 0) << r.err;
         defaultPalette = IdAfter(r.out, "palette ");
         ASSERT_EQ(defaultPalette.size(), 16u);
     }
     QmsResult Palette(const std::string& verb, const std::string& rest) {
-        return RunQms("palette " + verb + " " + dir.Quoted("Robot/Robot.qmp") + " " + rest, dir.Path());
+        return Run("palette " + verb, rest);
     }
-    fs::path ProjectFile() const { return dir.Path() / "Robot" / "Robot.qmp"; }
 
-    ScratchFolder dir{"palette"};
     std::string defaultPalette;
 };
 

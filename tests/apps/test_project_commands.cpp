@@ -2,9 +2,8 @@
 
 #include "QmsRun.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
+#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 
@@ -24,12 +23,13 @@ TEST(QmsProject, NewCreatesTheProjectFolderAndFile) {
     ASSERT_TRUE(fs::is_regular_file(project));
     EXPECT_TRUE(fs::is_directory(dir.Path() / "Robot" / "Scene-001" / "Drawing"));
     EXPECT_TRUE(fs::is_directory(dir.Path() / "Robot" / "Scene-001" / "Bitmap"));
-    EXPECT_EQ(ReadAll(project).substr(0, 28), std::string("QuilmoorTechnologiesInc \0" "51", 28));
+    EXPECT_EQ(ReadAll(project).substr(0, 28), std::string("QuilmoorTechnologiesInc ") + '\0' + "51" + '\0');
 
     // The dialog's rules, with its messages.
     r = RunQms("new " + dir.Quoted() + " Robot", dir.Path());
     EXPECT_EQ(r.exitCode, 1);
-    EXPECT_NE(r.err.find("This project folder already exists; please choose another name."), std::string::npos);
+    EXPECT_NE(r.err.find("This project folder already exists; please choose another name."),
+              std::string::npos);
     r = RunQms("new " + dir.Quoted() + " '   '", dir.Path());
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_NE(r.err.find("Enter an animation name."), std::string::npos);

@@ -14,18 +14,13 @@ std::string ReadAll(const fs::path& path) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-class QmsSceneTest : public ::testing::Test {
+class QmsSceneTest : public QmsRobotTest {
 protected:
-    void SetUp() override { ASSERT_EQ(RunQms("new " + dir.Quoted() + " Robot", dir.Path()).exitCode, 0); }
+    QmsSceneTest() : QmsRobotTest("scene") {}
     QmsResult Scene(const std::string& arguments) {
         return RunQms("scene " + arguments + " " + dir.Quoted("Robot/Robot.qmp"), dir.Path());
     }
-    QmsResult Scene(const std::string& verb, const std::string& rest) {
-        return RunQms("scene " + verb + " " + dir.Quoted("Robot/Robot.qmp") + " " + rest, dir.Path());
-    }
-    fs::path Project() const { return dir.Path() / "Robot"; }
-
-    ScratchFolder dir{"scene"};
+    QmsResult Scene(const std::string& verb, const std::string& rest) { return Run("scene " + verb, rest); }
 };
 
 TEST_F(QmsSceneTest, ChangesAreSavedAndSeenByTheNextRun) {
