@@ -46,6 +46,20 @@ int EspeakRate() {
     return rate;
 }
 
+// 16-bit speech made at `rate`, resampled to 8 kHz as if read `warp` times slower than it
+// was made: the speech lasts `warp` times longer and its voice is lower.
+std::vector<int16_t> ResampleWarped(const std::vector<int16_t>& samples, double rate, double warp) {
+    std::vector<float> in(samples.size()), resampled;
+    for (size_t i = 0; i < in.size(); ++i)
+        in[i] = float(samples[i]) / 32768.0f;
+    LipsyncResampler resampler(int(std::lround(rate / warp)), kRate);
+    resampler.push(in.data(), in.size(), resampled);
+    resampler.finish(resampled);
+    std::vector<int16_t> out;
+    LipsyncToPcm16(resampled, out);
+    return out;
+}
+
 bool StartsWith(const std::string& s, const char* prefix) {
     return s.rfind(prefix, 0) == 0;
 }
@@ -168,15 +182,7 @@ bool SpeakEspeak(const SpeakerSpec& speaker, const std::string& text, LabelledSp
     for (const auto& [start, name] : capture.phonemes)
         phones.emplace_back(std::llround(double(start) * kRate * speaker.warp / inRate),
                             MouthOfPhoneme(name));
-    std::vector<float> in(capture.samples.size()), resampled;
-    for (size_t i = 0; i < in.size(); ++i)
-        in[i] = float(capture.samples[i]) / 32768.0f;
-    // Read at a rate `warp` times lower than it was made, the speech lasts `warp` times longer.
-    LipsyncResampler resampler(int(std::lround(inRate / speaker.warp)), kRate);
-    resampler.push(in.data(), in.size(), resampled);
-    resampler.finish(resampled);
-    out.samples.clear();
-    LipsyncToPcm16(resampled, out.samples);
+    out.samples = ResampleWarped(capture.samples, inRate, speaker.warp);
     out.labels = LabelPhones(phones, out.samples.size());
     out.phoneStarts.clear();
     for (const auto& phone : phones)
@@ -264,16 +270,8 @@ bool SpeakFlite(const SpeakerSpec& speaker, const std::string& text, LabelledSpe
         return false;
     if (!LipsyncReadSound(wavePath, out.samples, error) || out.samples.empty())
         return false;
-    if (speaker.warp != 1.0) {
-        std::vector<float> in(out.samples.size()), warped;
-        for (size_t i = 0; i < in.size(); ++i)
-            in[i] = float(out.samples[i]) / 32768.0f;
-        LipsyncResampler resampler(int(std::lround(kRate / speaker.warp)), kRate);
-        resampler.push(in.data(), in.size(), warped);
-        resampler.finish(warped);
-        out.samples.clear();
-        LipsyncToPcm16(warped, out.samples);
-    }
+    if (speaker.warp != 1.0)
+        out.samples = ResampleWarped(out.samples, kRate, speaker.warp);
     // flite gives end times: each phone starts where the one before it ends.
     std::vector<std::pair<int64_t, std::vector<std::pair<char, double>>>> phones;
     double start = 0.0;
