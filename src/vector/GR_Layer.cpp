@@ -168,6 +168,10 @@ void GR_Layer::InvalidateZones() {
     if (!zonesValid_ && zones_.empty())
         return;
     zonesValid_ = false;
+    ClearZones();
+}
+
+void GR_Layer::ClearZones() {
     zones_.clear();
     components_.clear();
     topComponents_.clear();

@@ -141,6 +141,8 @@ private:
     void InsertEnd(const GR_StrokeEnd& end);
     void RemoveEnd(const GR_StrokeEnd& end);
     void BuildZones();
+    // Empties the zones, components and their stores.
+    void ClearZones();
 
     GR_VectorDrawingObj* drawing_ = nullptr;
     GR_LayerNode* node_ = nullptr;

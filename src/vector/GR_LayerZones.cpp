@@ -98,12 +98,7 @@ struct NestEvent {
 } // namespace
 
 void GR_Layer::BuildZones() {
-    zones_.clear();
-    components_.clear();
-    topComponents_.clear();
-    zoneStore_.clear();
-    componentStore_.clear();
-    componentStrokes_.clear();
+    ClearZones();
     zoneStore_.reserve(2 * count_);
     componentStore_.reserve(count_);
     componentStrokes_.reserve(count_);
