@@ -80,6 +80,14 @@ int64_t QmsArgs::ParseInt(const std::string& text, const char* what) {
     return value;
 }
 
+size_t QmsArgs::ParsePosition(const std::string& text, size_t last) {
+    const int64_t position = ParseInt(text, "POSITION");
+    if (position < 1 || static_cast<uint64_t>(position) > last)
+        throw QmsFailure("The position must lie between 1 and " + std::to_string(last) + ", not " + text +
+                         ".");
+    return static_cast<size_t>(position - 1);
+}
+
 double QmsArgs::ParseDouble(const std::string& text, const char* what) {
     errno = 0;
     char* end = nullptr;

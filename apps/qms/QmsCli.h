@@ -44,6 +44,8 @@ public:
 
     static int64_t ParseInt(const std::string& text, const char* what);
     static double ParseDouble(const std::string& text, const char* what);
+    // A position from 1 to `last` in a list, as the index from 0.
+    static size_t ParsePosition(const std::string& text, size_t last);
 
 private:
     std::vector<std::string> positional_;

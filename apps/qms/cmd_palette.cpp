@@ -235,15 +235,6 @@ UT_WString NewFlavourName(const CM_Palette& palette, const std::string& text) {
     return name;
 }
 
-// A position from 1 to `last`, as the index from 0.
-size_t PositionArgument(const std::string& text, size_t last) {
-    const int64_t position = QmsArgs::ParseInt(text, "POSITION");
-    if (position < 1 || static_cast<uint64_t>(position) > last)
-        throw QmsFailure("The position must lie between 1 and " + std::to_string(last) + ", not " + text +
-                         ".");
-    return static_cast<size_t>(position - 1);
-}
-
 // Three numbers separated by commas.
 std::array<double, 3> TripleArgument(const std::string& text, const char* option) {
     std::array<double, 3> values{};
@@ -384,7 +375,7 @@ int QmsRunPalette(QmsContext& context, const std::vector<std::string>& words) {
         const UT_WString flavour = args.Option("flavour") ? NameArgument(*args.Option("flavour"), "flavour")
                                                           : UT_WString(u"Default");
         const size_t index = args.Option("at")
-                                 ? PositionArgument(*args.Option("at"), list.GetPaletteCount() + 1)
+                                 ? QmsArgs::ParsePosition(*args.Option("at"), list.GetPaletteCount() + 1)
                                  : list.GetPaletteCount();
         std::unique_ptr<CM_AddPaletteCommand> add =
             CM_AddPaletteCommand::NewPalette(list, name, flavour, index);
@@ -397,7 +388,7 @@ int QmsRunPalette(QmsContext& context, const std::vector<std::string>& words) {
         const UT_WString name = NameArgument(arg(1, "NAME"), "colour");
         const BM_Rgba colour = ParseColour(arg(2, "COLOUR"));
         const size_t position = args.Option("at")
-                                    ? PositionArgument(*args.Option("at"), palette.GetEntryCount() + 1)
+                                    ? QmsArgs::ParsePosition(*args.Option("at"), palette.GetEntryCount() + 1)
                                     : palette.GetEntryCount();
         shown = palette.GetId();
         CM_AddEntryCommand add(list, shown, position, CM_Color::MakeSolid(name, colour));
@@ -462,7 +453,7 @@ int QmsRunPalette(QmsContext& context, const std::vector<std::string>& words) {
         done = "duplicated palette " + IdText(source.GetId()) + " as " + IdText(shown) + " " + Quoted(name);
     } else if (action == "move") {
         const CM_PaletteList::EntryPlace place = ColourArgument(list, arg(0, "COLOUR_ID"));
-        const size_t to = PositionArgument(arg(1, "POSITION"), place.palette->GetEntryCount());
+        const size_t to = QmsArgs::ParsePosition(arg(1, "POSITION"), place.palette->GetEntryCount());
         const UT_UniqueId id = place.palette->GetEntry(static_cast<size_t>(place.index))->GetId();
         shown = place.palette->GetId();
         CM_MoveEntryCommand move(list, id, to);

@@ -53,15 +53,6 @@ CDopeSheetObj& SceneArgument(CAnimationSetObj& set, const std::string& text) {
     return *scene;
 }
 
-// A position from 1 to `last`, as the index from 0.
-size_t PositionArgument(const std::string& text, size_t last) {
-    const int64_t position = QmsArgs::ParseInt(text, "POSITION");
-    if (position < 1 || static_cast<uint64_t>(position) > last)
-        throw QmsFailure("The position must lie between 1 and " + std::to_string(last) + ", not " + text +
-                         ".");
-    return static_cast<size_t>(position - 1);
-}
-
 UT_WString NameArgument(const CAnimationSetObj& set, const std::string& text, uint32_t self = AS_kInvalidId) {
     const UT_WString name = UT_FromUtf8(text);
     const UT_WString refusal = set.CheckSceneName(name, self);
@@ -109,7 +100,7 @@ int QmsRunScene(QmsContext& context, const std::vector<std::string>& words) {
         const UT_WString name =
             args.Count() == 3 ? NameArgument(set, args.At(2, "NAME")) : set.NewSceneName();
         const size_t index = args.Option("at")
-                                 ? PositionArgument(*args.Option("at"), set.Sequence().size() + 1)
+                                 ? QmsArgs::ParsePosition(*args.Option("at"), set.Sequence().size() + 1)
                                  : set.Sequence().size();
         std::unique_ptr<DC_AddSceneCommand> add = DC_AddSceneCommand::NewScene(set, name, index);
         Apply(document, *add, DC_AddSceneCommand::kName);
@@ -135,7 +126,7 @@ int QmsRunScene(QmsContext& context, const std::vector<std::string>& words) {
     } else if (verb == "move") {
         requireCount(4);
         CDopeSheetObj& scene = SceneArgument(set, args.At(2, "ID"));
-        const size_t target = PositionArgument(args.At(3, "POSITION"), set.Sequence().size());
+        const size_t target = QmsArgs::ParsePosition(args.At(3, "POSITION"), set.Sequence().size());
         const auto from = static_cast<size_t>(set.SequenceIndex(scene.SceneId()));
         DC_ReorderScene move(set, from, DC_ReorderScene::InsertionPointFor(from, target));
         Apply(document, move, DC_ReorderScene::kName);
