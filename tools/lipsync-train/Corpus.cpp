@@ -162,6 +162,17 @@ LabelPhones(const std::vector<std::pair<int64_t, std::vector<std::pair<char, dou
 
 namespace {
 
+// Labels the samples of `out` from its phones, and keeps the start of each phone that
+// falls inside them.
+void LabelSpeech(const std::vector<std::pair<int64_t, std::vector<std::pair<char, double>>>>& phones,
+                 LabelledSpeech& out) {
+    out.labels = LabelPhones(phones, out.samples.size());
+    out.phoneStarts.clear();
+    for (const auto& phone : phones)
+        if (phone.first >= 0 && size_t(phone.first) < out.samples.size())
+            out.phoneStarts.push_back(size_t(phone.first));
+}
+
 bool SpeakEspeak(const SpeakerSpec& speaker, const std::string& text, LabelledSpeech& out) {
     const int inRate = EspeakRate();
     if (inRate <= 0)
@@ -183,11 +194,7 @@ bool SpeakEspeak(const SpeakerSpec& speaker, const std::string& text, LabelledSp
         phones.emplace_back(std::llround(double(start) * kRate * speaker.warp / inRate),
                             MouthOfPhoneme(name));
     out.samples = ResampleWarped(capture.samples, inRate, speaker.warp);
-    out.labels = LabelPhones(phones, out.samples.size());
-    out.phoneStarts.clear();
-    for (const auto& phone : phones)
-        if (phone.first >= 0 && size_t(phone.first) < out.samples.size())
-            out.phoneStarts.push_back(size_t(phone.first));
+    LabelSpeech(phones, out);
     return true;
 }
 
@@ -281,11 +288,7 @@ bool SpeakFlite(const SpeakerSpec& speaker, const std::string& text, LabelledSpe
     }
     if (phones.empty())
         return false;
-    out.labels = LabelPhones(phones, out.samples.size());
-    out.phoneStarts.clear();
-    for (const auto& phone : phones)
-        if (phone.first >= 0 && size_t(phone.first) < out.samples.size())
-            out.phoneStarts.push_back(size_t(phone.first));
+    LabelSpeech(phones, out);
     return true;
 }
 
